@@ -1,0 +1,33 @@
+// zuToken.h - interned name of an XML element or attribute. Group: values.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "foundation/zuExport.h"
+
+/// An interned name: two tokens are equal exactly when their texts are.
+///
+/// A token is one pointer into a process-wide pool that only grows, so copying and comparing cost one word, and the
+/// text lives as long as the process. Building one looks the text up under a lock: O(log n) in the number of names.
+/// Thread-safe. The default token is the empty name.
+class ZU_API ZuToken {
+ public:
+  ZuToken();
+  ZuToken(char const* text);         // NOLINT: names stand for tokens wherever a token is expected
+  ZuToken(std::string const& text);  // NOLINT
+  explicit ZuToken(std::string_view text);
+  ZuToken(ZuToken const&) = default;
+  ZuToken& operator=(ZuToken const&) = default;
+  ZuToken& operator=(std::string const& text);
+
+  std::string const& token() const { return *m_Text; }
+
+  bool operator==(ZuToken const& other) const { return m_Text == other.m_Text; }
+  bool operator!=(ZuToken const& other) const { return m_Text != other.m_Text; }
+  /// Alphabetical, so that maps keyed by tokens have the same order on every run.
+  bool operator<(ZuToken const& other) const { return *m_Text < *other.m_Text; }
+
+ private:
+  std::string const* m_Text;
+};

@@ -1,0 +1,18 @@
+#include "geometry/zuGeomTokens.h"
+
+namespace ZuGeom {
+
+ZuToken const ZuSurfacesToken("surfaces");
+ZuToken const ZuDetailLevelToken("detailLevel");
+ZuToken const ZuShapeSurfaceProperyToken("shapeSurfaceProperty");
+ZuToken const ZuShapeIdentifierToken("shapeIdentifier");
+ZuToken const ZuDeformableToken("deformable");
+ZuToken const ZuCanDeformToken("canDeform");
+ZuToken const ZuUseAABBToken("useAABB");
+ZuToken const ZuBypassDynamicsToken("bypassDynamics");
+
+ZuToken const ZuSphereToken("sphere");
+ZuToken const ZuCenterToken("center");
+ZuToken const ZuRadiusToken("radius");
+
+}  // namespace ZuGeom

@@ -1,0 +1,24 @@
+// zuGeomTokens.h - element names of the geometry classes. Group: tokens.
+#pragma once
+
+#include "foundation/zuToken.h"
+
+/// Element names, built once at load time. The misspelling of ZuShapeSurfaceProperyToken is part of the interface.
+namespace ZuGeom {
+
+// Shapes
+extern ZU_API ZuToken const ZuSurfacesToken;
+extern ZU_API ZuToken const ZuDetailLevelToken;
+extern ZU_API ZuToken const ZuShapeSurfaceProperyToken;
+extern ZU_API ZuToken const ZuShapeIdentifierToken;
+extern ZU_API ZuToken const ZuDeformableToken;
+extern ZU_API ZuToken const ZuCanDeformToken;
+extern ZU_API ZuToken const ZuUseAABBToken;
+extern ZU_API ZuToken const ZuBypassDynamicsToken;
+
+// Solids
+extern ZU_API ZuToken const ZuSphereToken;
+extern ZU_API ZuToken const ZuCenterToken;
+extern ZU_API ZuToken const ZuRadiusToken;
+
+}  // namespace ZuGeom
