@@ -18,6 +18,18 @@ clientWithPkgConfig() {
   g++ -std=c++17 -o "$1/pkgconfig/client" tests/consumer/client.cpp $flags -Wl,-rpath,"$2/lib" && "$1/pkgconfig/client"
 }
 
+# programOfReadme WORK PREFIX: the program that README.md shows compiles and prints what README.md says.
+programOfReadme() {
+  local flags printed shown
+  mkdir -p "$1/readme"
+  sed -n '/^```cpp$/,/^```$/{/^```/d;p}' README.md >"$1/readme/first.cpp"
+  shown=$(sed -n '/^    g++ .*first.cpp/{n;s/^    //p}' README.md)
+  flags=$(PKG_CONFIG_PATH="$2/lib/pkgconfig" pkg-config --cflags --libs zuGeometry) || return 1
+  # shellcheck disable=SC2086 # flags are words
+  g++ -std=c++17 -Wall -Wextra -Werror -o "$1/readme/first" "$1/readme/first.cpp" $flags -Wl,-rpath,"$2/lib" || return 1
+  printed=$("$1/readme/first") && echo "printed: $printed" && echo "README:  $shown" && [ "$printed" = "$shown" ]
+}
+
 # headersStandAlone WORK PREFIX: every installed header compiles by itself and leads to no private package.
 headersStandAlone() {
   local include=$2/include/zuGeometry header bad=0
@@ -68,6 +80,7 @@ checkInstall() {
   check "installation" cmake --install "$1" --prefix "$prefix" || return
   check "installed client with CMake" clientWithCMake "$work" "$prefix"
   check "installed client with pkg-config" clientWithPkgConfig "$work" "$prefix"
+  [ -e geometry/zuSphere.h ] && check "program of the README" programOfReadme "$work" "$prefix"
   check "installed headers stand alone" headersStandAlone "$work" "$prefix"
   check "versioned library names" versionedNames "$prefix"
   check "exported symbols are our own" ownSymbols "$prefix"

@@ -110,13 +110,14 @@ def run_suites(binaries):
 
 def run_others(build):
     """Runs what is no GoogleTest; returns the three counts."""
-    with tempfile.NamedTemporaryFile(suffix=".xml") as report:
+    with tempfile.TemporaryDirectory() as folder:
+        report = os.path.join(folder, "report.xml")
         subprocess.run(["ctest", "--test-dir", build, "-LE", "^gtest$", "-j", str(os.cpu_count() or 1), "--timeout",
-                        str(TIMEOUT_SECONDS), "--output-on-failure", "--output-junit", report.name], check=False)
-        head = report.read().decode("utf-8", "replace")
-    count = {key: int(value) for key, value in re.findall(r"\b(tests|failures|skipped)=\"(\d+)\"", head[:2000])}
-    failed, skipped = count.get("failures", 1), count.get("skipped", 0)
-    return [count.get("tests", 0) - failed - skipped, failed, skipped]
+                        str(TIMEOUT_SECONDS), "--output-on-failure", "--output-junit", report], check=False)
+        with open(report, encoding="utf-8", errors="replace") as file:
+            head = file.read(2000)
+    tests, failed, skipped = (int(re.search(rf'{key}="(\d+)"', head)[1]) for key in ("tests", "failures", "skipped"))
+    return [tests - failed - skipped, failed, skipped]
 
 
 def main():
