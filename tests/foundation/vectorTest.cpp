@@ -1,0 +1,115 @@
+#include "foundation/zuVector.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tests/printSink.h"
+#include "tests/randomValues.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+double const theNan = std::numeric_limits<double>::quiet_NaN();
+double const theInfinity = std::numeric_limits<double>::infinity();
+}  // namespace
+
+TEST(Vector, LengthsAndDirectionsHoldFromDenormalsToTheLargestDoubles) {
+  for (double const scale : {0x1p-1074, 1e-310, 1e-200, 0x1p-482, 1e-145, 1.0, 1e150, 1e200, 3e307}) {
+    SCOPED_TRACE(scale);
+    ZuVector const v(2.0 * scale, -3.0 * scale, 6.0 * scale);
+    double const length = 7.0 * scale;
+    if (std::isfinite(length)) {
+      EXPECT_DOUBLE_EQ(v.mag(), length);
+      EXPECT_DOUBLE_EQ((v * 0.5).distanceTo(v * -0.5), v.mag());
+    }
+    if (std::isfinite(6.0 * scale)) {
+      EXPECT_TRUE(v.unitVector().approxEq(ZuVector(2.0 / 7.0, -3.0 / 7.0, 6.0 / 7.0), 3e-16));
+    }
+  }
+}
+
+TEST(Vector, WithoutADirectionTheUnitVectorIsZero) {
+  for (ZuVector v : {ZuVector(), ZuVector(0.0, -0.0, 0.0), ZuVector(1.0, theInfinity, 0.0), ZuVector(theNan, 1.0, 1.0),
+                     ZuVector(theNan, theInfinity, 0.0)}) {
+    v.normalize();
+    EXPECT_EQ(v, ZuVector::zeroVector());
+  }
+  EXPECT_EQ(ZuVector().mag(), 0.0);
+  EXPECT_EQ(ZuVector(0.0, -theInfinity, 1.0).mag(), theInfinity);
+}
+
+TEST(Vector, CrossProductIsRightHandedAndItsOutputMayBeAnInput) {
+  ZuVector a = ZuVector::xVector(2.0);
+  EXPECT_EQ(a.cross(ZuVector::yVector(3.0)), ZuVector::zVector(6.0));
+  ZuVector b(1.0, -4.0, 5.0);
+  ZuVector const expected = a.cross(b);
+  a.cross(b, b);
+  EXPECT_EQ(b, expected);
+}
+
+TEST(Vector, ArithmeticOnTheLeftOnTheRightAndInPlaceAgrees) {
+  ZuVector v(1.0, -2.0, 4.0);
+  EXPECT_EQ(0.5 * v, ZuVector(0.5, -1.0, 2.0));
+  EXPECT_EQ(v / 4.0, ZuVector(0.25, -0.5, 1.0));
+  EXPECT_EQ(v.prod(), -8.0);
+  v += ZuVector(1.0, 1.0, 1.0);
+  v *= 3.0;
+  v -= ZuVector(0.0, 0.0, 5.0);
+  v /= 2.0;
+  v[1] += 7.0;
+  EXPECT_EQ(v, ZuVector(3.0, 5.5, 5.0));
+}
+
+TEST(Vector, AnIndexAboveTwoReadsZeroAndKeepsTheVector) {
+  PrintSink sink;
+  ZuVector v = ZuVector::testObject();
+  v[3] = 9.0;
+  EXPECT_EQ(const_cast<ZuVector const&>(v)[4294967295U], 0.0);
+  EXPECT_EQ(v, ZuVector::testObject());
+  EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuVector::operator[]-->invalid index (3)",
+                                                   "ZuVector::operator[]-->invalid index (4294967295)"}));
+}
+
+TEST(Vector, ApproximateEqualityHoldsForEachComponentByItself) {
+  ZuVector const v(1.0, 2.0, 3.0);
+  EXPECT_TRUE(v.approxEq(ZuVector(1.5, 1.5, 3.5), 0.5));
+  EXPECT_FALSE(v.approxEq(ZuVector(1.0, 2.0, 3.5), 0.25));
+  EXPECT_FALSE(v.approxEq(ZuVector(1.0, theNan, 3.0), theInfinity));
+}
+
+TEST(Vector, ADisturbanceIsSmallFixedAndNeverAboveItsBound) {
+  RandomValues random(11);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 2000; ++i) {
+    ZuVector const v = random.direction() * random.scale(1e-30, 1e30);
+    double const bound = v.mag() * random.scale(1e-12, 1e3);
+    ZuVector disturbed = v;
+    disturbed.perturb(bound);
+    EXPECT_NE(disturbed, v);
+    EXPECT_LE(disturbed.distanceTo(v), bound);
+    EXPECT_LE(disturbed.distanceTo(v), 1e-14 * v.mag());
+    ZuVector again = v;
+    again.perturb(bound);
+    EXPECT_EQ(again, disturbed);
+    ZuVector barely = v;
+    barely.perturb(bound * 1e-4);
+    EXPECT_LE(barely.distanceTo(v), bound * 1e-4);
+  }
+  ZuVector zero;
+  zero.perturb(0.01);
+  EXPECT_GT(zero.mag(), 0.0);
+  EXPECT_LE(zero.mag(), 1e-15);
+  for (double const nothing : {0.0, -1.0, theNan}) {
+    ZuVector v = ZuVector::testObject();
+    v.perturb(nothing);
+    EXPECT_EQ(v, ZuVector::testObject());
+  }
+}
+
+TEST(Vector, DirectionalVectorPointsFromThisPointToTheTarget) {
+  ZuVector out;
+  ZuVector(1.0, 1.0, 1.0).computeDirectionalVector(ZuVector(4.0, 1.0, 5.0), 10.0, out);
+  EXPECT_TRUE(out.approxEq(ZuVector(6.0, 0.0, 8.0), 1e-15));
+  ZuVector::testObject().computeDirectionalVector(ZuVector::testObject(), 10.0, out);
+  EXPECT_EQ(out, ZuVector());
+}
