@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every check; ends with "N passed, N failed", where each test and each other check counts one.
 set -u
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/.." || exit 1
 . scripts/common.sh
 . scripts/check_install.sh
 
@@ -43,11 +43,11 @@ buildAndTest() {
 }
 
 formatCheck() {
-  find foundation geometry tools tests bench examples -name '*.h' -o -name '*.cpp' |
-    xargs -P "$(nproc)" -n 20 clang-format --dry-run -Werror
+  find foundation geometry tools tests bench examples \( -name '*.h' -o -name '*.cpp' \) -print0 |
+    xargs -0 -P "$(nproc)" -n 20 clang-format --dry-run -Werror
 }
 
-ensurePackages || exit 1
+ensurePackages || { echo "0 passed, 1 failed"; exit 1; }
 mkdir -p "$logs"
 check "map of the classes" scripts/check_map.py
 check "format of the sources" formatCheck
