@@ -1,0 +1,139 @@
+// The whole persistence contract, for every class: one list of types, one set of facts.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <tuple>
+#include <utility>
+
+#include "foundation/zuXmlBaseVariableCompoundType.h"
+#include "foundation/zuXmlBasicType.h"
+#include "foundation/zuXmlCoordinateSystemTransformation.h"
+#include "foundation/zuXmlMapType.h"
+#include "foundation/zuXmlOrientation.h"
+#include "foundation/zuXmlPairType.h"
+#include "foundation/zuXmlVector.h"
+#include "foundation/zuXmlVectorType.h"
+#include "foundation/zuXmlVectorVector.h"
+#include "tests/allocationCounter.h"
+#include "tests/printSink.h"
+
+namespace {
+
+using Real = ZuXmlBasicType<double>;
+using Text = ZuXmlBasicType<std::string>;
+
+/// Value classes: constructing, copying, assigning and destroying them never allocates.
+using ValueClasses = std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
+                                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation,
+                                ZuXmlCoordinateSystemTransformation, ZuXmlPairType<Real, ZuXmlVector>>;
+
+/// Classes that own memory for what they hold.
+using OwningClasses = std::tuple<Text, ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlMapType<Text, ZuXmlVector>,
+                                 ZuXmlBaseVariableCompoundType>;
+
+template <class Tuple>
+struct TypesOf;
+template <class... A>
+struct TypesOf<std::tuple<A...>> {
+  using type = testing::Types<A...>;
+};
+using AllClasses = decltype(std::tuple_cat(std::declval<ValueClasses>(), std::declval<OwningClasses>()));
+
+template <class T>
+class ValueClass : public testing::Test {};
+TYPED_TEST_SUITE(ValueClass, TypesOf<ValueClasses>::type);
+
+template <class T>
+class Persistence : public testing::Test {};
+TYPED_TEST_SUITE(Persistence, TypesOf<AllClasses>::type);
+
+}  // namespace
+
+TYPED_TEST(ValueClass, NeverAllocatesUntilXmlIsUsed) {
+  TypeParam const sample = TypeParam::testObject();
+  sample.equalsDefault();  // whatever is made once per process is made here
+  AllocationCounter const counter;
+  {
+    TypeParam const fresh;
+    TypeParam copy(sample);
+    copy = fresh;
+    copy = sample;
+    EXPECT_TRUE(copy == sample);
+  }
+  EXPECT_EQ(counter.count(), 0U);
+}
+
+TYPED_TEST(Persistence, CopiesAreEqualAndOtherValuesAreNot) {
+  TypeParam const sample = TypeParam::testObject();
+  std::unique_ptr<ZuXmlObject> const clone(sample.clone());
+  std::unique_ptr<ZuXmlObject> const fresh(sample.newObject());
+  std::unique_ptr<ZuXmlObject> const created(TypeParam::creator());
+  TypeParam assigned;
+  assigned = sample;
+  EXPECT_TRUE(sample.equality(clone.get()));
+  EXPECT_TRUE(sample.equality(&assigned));
+  EXPECT_TRUE(fresh->equality(&TypeParam::nullObject()));
+  EXPECT_TRUE(created->equalsDefault());
+  EXPECT_FALSE(sample.equality(fresh.get()));
+  EXPECT_FALSE(sample.equality(nullptr));
+  EXPECT_TRUE(sample.selfTest());
+}
+
+TYPED_TEST(Persistence, EveryComponentCountsInEquality) {
+  if constexpr (std::is_base_of_v<ZuXmlCompoundType, TypeParam>) {
+    TypeParam const sample = TypeParam::testObject();
+    TypeParam const fresh;
+    auto const& defaults = fresh.componentMap().components();
+    for (std::size_t i = 0; i < defaults.size(); ++i) {
+      TypeParam changed(sample);
+      ASSERT_TRUE(changed.componentMap().components()[i].object->assignFrom(*defaults[i].object));
+      EXPECT_FALSE(changed == sample) << defaults[i].token.token();
+    }
+  }
+}
+
+TYPED_TEST(Persistence, CopiesBindTheirOwnMembers) {
+  if constexpr (std::is_base_of_v<ZuXmlCompoundType, TypeParam>) {
+    TypeParam const sample = TypeParam::testObject();
+    sample.componentMap();
+    TypeParam const copy(sample);
+    TypeParam assigned;
+    assigned.componentMap();
+    assigned = sample;
+    for (TypeParam const* other : {&copy, static_cast<TypeParam const*>(&assigned)}) {
+      auto const& theirs = other->componentMap().components();
+      auto const& ours = sample.componentMap().components();
+      ASSERT_EQ(theirs.size(), ours.size());
+      for (std::size_t i = 0; i < ours.size(); ++i) {
+        EXPECT_NE(theirs[i].object, ours[i].object);
+        EXPECT_EQ(theirs[i].token, ours[i].token);
+      }
+    }
+  }
+}
+
+TYPED_TEST(Persistence, DocumentsReadBackToTheSameValueInEveryForm) {
+  TypeParam const sample = TypeParam::testObject();
+  std::string plain;
+  std::string compressed;
+  ASSERT_TRUE(sample.writeToBuffer(plain, "root"));
+  ASSERT_TRUE(sample.writeToCompressedBuffer(compressed, "root"));
+  std::unique_ptr<ZuXmlObject> const first = sample.emptyLikeThis();
+  std::unique_ptr<ZuXmlObject> const second = sample.emptyLikeThis();
+  EXPECT_TRUE(first->readFromBuffer(plain)) << plain;
+  EXPECT_TRUE(second->readFromCompressedBuffer(compressed));
+  EXPECT_TRUE(sample.equality(first.get())) << plain;
+  EXPECT_TRUE(sample.equality(second.get()));
+  std::string again;
+  ASSERT_TRUE(first->writeToBuffer(again, "root"));
+  EXPECT_EQ(again, plain);
+}
+
+TYPED_TEST(Persistence, ABadDocumentPrintsOneLineAndChangesNothing) {
+  TypeParam object = TypeParam::testObject();
+  PrintSink sink;
+  EXPECT_FALSE(object.readFromBuffer("<root>\n<unknown>zero</unknown></root>"));
+  ASSERT_EQ(sink.messages().size(), 1U);
+  EXPECT_NE(sink.messages()[0].find("line "), std::string::npos) << sink.messages()[0];
+  EXPECT_TRUE(object == TypeParam::testObject());
+}
