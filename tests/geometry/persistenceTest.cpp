@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "foundation/zuDataMap.h"
 #include "foundation/zuXmlBaseVariableCompoundType.h"
 #include "foundation/zuXmlBasicType.h"
 #include "foundation/zuXmlCoordinateSystemTransformation.h"
@@ -28,8 +29,8 @@ using ValueClasses = std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicTy
                                 ZuXmlCoordinateSystemTransformation, ZuXmlPairType<Real, ZuXmlVector>>;
 
 /// Classes that own memory for what they hold.
-using OwningClasses = std::tuple<Text, ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlMapType<Text, ZuXmlVector>,
-                                 ZuXmlBaseVariableCompoundType>;
+using OwningClasses = std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>,
+                                 ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType>;
 
 template <class Tuple>
 struct TypesOf;

@@ -1,0 +1,230 @@
+#include "foundation/zuMath.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <limits>
+#include <sstream>
+
+#include "foundation/zuDoubleDouble.h"
+#include "tests/printSink.h"
+#include "tests/randomValues.h"
+#include "tests/sharedFiles.h"
+
+namespace {
+
+double const theNan = std::numeric_limits<double>::quiet_NaN();
+double const theInfinity = std::numeric_limits<double>::infinity();
+double const theEpsilon = std::numeric_limits<double>::epsilon();
+
+using Five = std::array<double, 5>;
+
+Five rootsOf(double c2, double c1, double c0) {
+  Five r{7.0, 7.0, 7.0, 7.0, 7.0};
+  ZuMath::cubicRoots(c2, c1, c0, r[0], r[1], r[2], r[3], r[4]);
+  return r;
+}
+
+std::array<double, 3> eigenvaluesOf(std::array<double, 6> const& a) {
+  std::array<double, 3> values{};
+  ZuMath::symmetricEigenvalues(a[0], a[1], a[2], a[3], a[4], a[5], values[0], values[1], values[2]);
+  return values;
+}
+
+/// True when the rounding of the triple (descending) to `bits` bits of the largest leaves no difference.
+testing::AssertionResult areNear(std::array<double, 3> const& computed, std::array<double, 3> const& exact,
+                                 double ulpsOfLargest) {
+  double const size = std::max(std::abs(exact[0]), std::abs(exact[2]));
+  for (unsigned int i = 0; i < 3; ++i) {
+    double const error = std::abs(computed[i] - exact[i]);
+    if (!(error <= ulpsOfLargest * theEpsilon * size)) {
+      return testing::AssertionFailure() << "root " << i << " is " << computed[i] << ", not " << exact[i] << ", off by "
+                                         << error / size / theEpsilon << " eps of the largest";
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
+}  // namespace
+
+TEST(Math, DivisorsRootsAndAnglesNeverFail) {
+  double const smallest = std::numeric_limits<double>::min();
+  EXPECT_EQ(ZuMath::nonZeroPos(3.0), 3.0);
+  for (double const x : {0.0, -0.0, -5.0, smallest / 2.0, theNan, -theInfinity})
+    EXPECT_EQ(ZuMath::nonZeroPos(x), smallest);
+  EXPECT_EQ(ZuMath::sqrt(9.0), 3.0);
+  EXPECT_EQ(ZuMath::sqrt(-1e-17), 0.0);
+  EXPECT_EQ(ZuMath::asin(1.0 + 1e-15), std::asin(1.0));
+  EXPECT_EQ(ZuMath::asin(-7.0), std::asin(-1.0));
+  EXPECT_TRUE(std::isnan(ZuMath::asin(theNan)) && std::isnan(ZuMath::sqrt(theNan)));
+}
+
+TEST(DoubleDouble, ArithmeticKeepsAHundredBits) {
+  RandomValues random(41);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 2000; ++i) {
+    // Integers of 52 bits: what must come out is known exactly.
+    auto const integer = [&random] { return std::floor(random.real(-0x1p52, 0x1p52)); };
+    ZuDoubleDouble const a = ZuDoubleDouble::product(integer(), integer()) + integer();
+    ZuDoubleDouble const b = ZuDoubleDouble::product(integer(), integer()) + 0.5 * integer();
+    auto const isZero = [](ZuDoubleDouble const& rest, double scale) {
+      return std::abs(rest.value()) <= 0x1p-99 * std::abs(scale);
+    };
+    EXPECT_EQ((a + b - a - b).value(), 0.0);
+    EXPECT_TRUE(isZero(a * b / b - a, a.value()));
+    ZuDoubleDouble const square = (a + b) * (a + b) - (a - b) * (a - b) - a * b * 4.0;
+    EXPECT_TRUE(isZero(square, a.value() * a.value() + b.value() * b.value()));
+    EXPECT_TRUE(isZero((a * a).sqrt() - (a.value() < 0.0 ? -a : a), a.value()));
+  }
+}
+
+TEST(CubicRoots, KnownCases) {
+  struct Case {
+    double c2, c1, c0;
+    Five expected;
+  };
+  double const root3 = std::sqrt(3.0);
+  Case const cases[] = {
+      {-6, 11, -6, {3, 2, 1, 0, 0}},
+      {-3, 3, -1, {1, 1, 1, 0, 0}},
+      {-4, 5, -2, {2, 1, 1, 0, 0}},
+      {0, 0, 0, {0, 0, 0, 0, 0}},
+      {2, 0, 0, {0, 0, -2, 0, 0}},
+      {0, -9, 0, {3, 0, -3, 0, 0}},
+      {0, 4, 0, {0, 0, 0, 2, -2}},
+      {0, 0, -8, {2, -1, -1, root3, -root3}},
+      {0, 1, 1e-30, {-1e-30, 5e-31, 5e-31, 1, -1}},
+      {-2, 1, -1e-30, {1, 1, 1e-30, 0, 0}},  // 1 +- 1e-15: closer than the roots are told apart in a double near 1
+      {-3e-310, 0, 0, {3e-310, 0, 0, 0, 0}},
+      {1e300, 0, 0, {0, 0, -1e300, 0, 0}},
+      {-(1e10 + 1 + 1e-10), 1e10 + 1 + 1e-10, -1, {1e10, 1, 1e-10, 0, 0}},
+      {-1e20, 2e20, -2e20, {1e20, 1, 1, 1, -1}},
+  };
+  for (Case const& c : cases) {
+    Five const roots = rootsOf(c.c2, c.c1, c.c0);
+    for (unsigned int i = 0; i < 5; ++i) {
+      EXPECT_NEAR(roots[i], c.expected[i], 5e-15 * std::abs(c.expected[i]))
+          << "output " << i << " for " << c.c2 << ' ' << c.c1 << ' ' << c.c0;
+    }
+  }
+}
+
+TEST(CubicRoots, RootsThatTheCoefficientsHoldExactlyComeOutToAnUlp) {
+  RandomValues random(42);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 20000; ++i) {
+    // Integers of 17 bits and a power of two: the coefficients are exact, so are clusters and repeated roots.
+    double const scale = std::ldexp(1.0, static_cast<int>(random.index(400)) - 200);
+    double const spread = std::ldexp(1.0, static_cast<int>(random.index(18)));
+    auto const integer = [&](double reach) { return std::floor(random.real(-reach, reach)); };
+    double const centre = integer(0x1p16), a = centre + integer(spread), b = centre + integer(spread),
+                 c = i % 3 == 0 ? b : centre + integer(spread);
+    std::array<double, 3> exact{a * scale, b * scale, c * scale};
+    std::sort(exact.begin(), exact.end(), std::greater<>());
+    Five const roots =
+        rootsOf(-(a + b + c) * scale, (a * b + b * c + c * a) * scale * scale, -a * b * c * scale * scale * scale);
+    EXPECT_TRUE(areNear({roots[0], roots[1], roots[2]}, exact, 1.0));
+    EXPECT_EQ(roots[3], 0.0);
+  }
+}
+
+TEST(CubicRoots, GradedRootsAreEachAccurateByThemselves) {
+  RandomValues random(43);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 5000; ++i) {
+    double const large = random.scale(1e5, 1e25), small = random.scale(1e-25, 1e-5);
+    double const sign = random.real() < 0.0 ? -1.0 : 1.0;
+    // Rounding the coefficients moves each of these roots by a few ulps of its own.
+    Five const roots =
+        rootsOf(-(large + sign + small), large * sign + large * small + sign * small, -large * sign * small);
+    EXPECT_NEAR(roots[0], large, 4 * theEpsilon * large);
+    EXPECT_NEAR(sign > 0.0 ? roots[1] : roots[2], sign, 8 * theEpsilon);
+    EXPECT_NEAR(sign > 0.0 ? roots[2] : roots[1], small, 8 * theEpsilon * small);
+  }
+}
+
+TEST(CubicRoots, ConjugatePairsAreAccurate) {
+  RandomValues random(44);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 5000; ++i) {
+    auto const integer = [&] { return std::floor(random.real(-0x1p15, 0x1p15)); };
+    double const real = integer(), centre = integer(), imaginary = 1.0 + std::abs(integer());
+    double const size = std::max({std::abs(real), std::abs(centre), imaginary});
+    double const squared = centre * centre + imaginary * imaginary;
+    Five const roots = rootsOf(-(real + 2.0 * centre), squared + 2.0 * centre * real, -real * squared);
+    Five const expected{real, centre, centre, imaginary, -imaginary};
+    for (unsigned int k = 0; k < 5; ++k) EXPECT_NEAR(roots[k], expected[k], theEpsilon * size);
+  }
+}
+
+TEST(CubicRoots, NoBitPatternOfCoefficientsGivesNan) {
+  RandomValues random(45);
+  SCOPED_TRACE(random.trace());
+  PrintSink sink;
+  for (int i = 0; i < 200000; ++i) {
+    auto const any = [&] {
+      std::uint64_t const bits = (std::uint64_t{random.index(4294967295U)} << 32) | random.index(4294967295U);
+      double value = 0.0;
+      std::memcpy(&value, &bits, sizeof value);
+      return random.index(8) == 0 ? 0.0 : value;
+    };
+    Five const roots = rootsOf(any(), any(), any());
+    for (double const root : roots) ASSERT_FALSE(std::isnan(root));
+    ASSERT_TRUE(roots[3] > 0.0 || (roots[0] >= roots[1] && roots[1] >= roots[2] && roots[3] == 0.0));
+  }
+  sink.take();
+  EXPECT_EQ(rootsOf(1.0, theNan, 2.0), (Five{0, 0, 0, 0, 0}));
+  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuMath::cubicRoots-->coefficient not finite (1, nan, 2)"});
+}
+
+TEST(SymmetricEigenvalues, RepeatedAndClusteredOnesAreAsAccurateAsOthers) {
+  RandomValues random(46);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 20000; ++i) {
+    // c I + k v v^T in integers: c twice, and c + k v.v.
+    auto const integer = [&](double reach) { return std::floor(random.real(-reach, reach)); };
+    double const x = integer(300), y = integer(300), z = integer(300), k = integer(1000), c = integer(0x1p45);
+    double const scale = random.index(2) == 0 ? 1.0 : 0x1p-600;
+    std::array<double, 3> exact{c * scale, c * scale, (c + k * (x * x + y * y + z * z)) * scale};
+    std::sort(exact.begin(), exact.end(), std::greater<>());
+    auto const values = eigenvaluesOf({(c + k * x * x) * scale, k * x * y * scale, k * x * z * scale,
+                                       (c + k * y * y) * scale, k * y * z * scale, (c + k * z * z) * scale});
+    EXPECT_TRUE(areNear(values, exact, 1.0));
+    EXPECT_TRUE(values[0] == values[1] || values[1] == values[2]);
+  }
+}
+
+TEST(SymmetricEigenvalues, HardCasesComeOutWithinTwoUlpsOfTheLargest) {
+  std::ifstream file(sharedFile("cases/open.eigen.txt"));
+  if (!file) GTEST_SKIP() << "no shared cases";
+  unsigned int cases = 0;
+  std::string line, name;
+  std::array<double, 6> matrix{};
+  while (std::getline(file, line)) {
+    std::istringstream words(line);
+    std::string word;
+    words >> word;
+    auto const next = [&words] {
+      std::string number;
+      words >> number;
+      return std::strtod(number.c_str(), nullptr);  // an istream refuses denormals
+    };
+    if (word == "eigen") words >> name;
+    if (word == "m") std::generate(matrix.begin(), matrix.end(), next);
+    if (word != "lambda") continue;
+    std::array<double, 3> exact{};
+    std::generate(exact.rbegin(), exact.rend(), next);
+    EXPECT_TRUE(areNear(eigenvaluesOf(matrix), exact, 2.0)) << name;
+    ++cases;
+  }
+  EXPECT_EQ(cases, 29U);
+}
+
+TEST(SymmetricEigenvalues, AMatrixThatIsNotFiniteHasNone) {
+  PrintSink sink;
+  EXPECT_EQ(eigenvaluesOf({1, 0, theInfinity, 1, 0, 1}), (std::array<double, 3>{}));
+  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuMath::symmetricEigenvalues-->element not finite (inf)"});
+}
