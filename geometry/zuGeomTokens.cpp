@@ -15,4 +15,7 @@ ZuToken const ZuSphereToken("sphere");
 ZuToken const ZuCenterToken("center");
 ZuToken const ZuRadiusToken("radius");
 
+ZuToken const ZuGeneralMotionToken("generalMotion");
+ZuToken const ZuGeneralForceToken("generalForce");
+
 }  // namespace ZuGeom

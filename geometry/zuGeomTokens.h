@@ -21,4 +21,8 @@ extern ZU_API ZuToken const ZuSphereToken;
 extern ZU_API ZuToken const ZuCenterToken;
 extern ZU_API ZuToken const ZuRadiusToken;
 
+// Spatial algebra
+extern ZU_API ZuToken const ZuGeneralMotionToken;
+extern ZU_API ZuToken const ZuGeneralForceToken;
+
 }  // namespace ZuGeom

@@ -15,6 +15,8 @@
 #include "foundation/zuXmlVector.h"
 #include "foundation/zuXmlVectorType.h"
 #include "foundation/zuXmlVectorVector.h"
+#include "geometry/zuGeneralForce.h"
+#include "geometry/zuGeneralMotion.h"
 #include "tests/allocationCounter.h"
 #include "tests/printSink.h"
 
@@ -24,9 +26,10 @@ using Real = ZuXmlBasicType<double>;
 using Text = ZuXmlBasicType<std::string>;
 
 /// Value classes: constructing, copying, assigning and destroying them never allocates.
-using ValueClasses = std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
-                                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation,
-                                ZuXmlCoordinateSystemTransformation, ZuXmlPairType<Real, ZuXmlVector>>;
+using ValueClasses =
+    std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
+               ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
+               ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce>;
 
 /// Classes that own memory for what they hold.
 using OwningClasses = std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>,

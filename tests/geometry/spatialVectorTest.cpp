@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "geometry/zuGeneralForce.h"
+#include "geometry/zuGeneralMotion.h"
+#include "tests/randomValues.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+
+template <class Twin>
+class SpatialVector : public testing::Test {};
+using Twins = testing::Types<ZuGeneralMotion, ZuGeneralForce>;
+TYPED_TEST_SUITE(SpatialVector, Twins);
+
+}  // namespace
+
+TYPED_TEST(SpatialVector, ScalarsAreLinearThenAngularAndOthersDoNotExist) {
+  TypeParam x;
+  for (unsigned int i = 0; i < 9; ++i) x.setScalarValue(i, i + 1.0);
+  EXPECT_EQ(x, TypeParam(ZuVector(1, 2, 3), ZuVector(4, 5, 6)));
+  for (unsigned int i = 0; i < 6; ++i) EXPECT_EQ(x[i], i + 1.0);
+  EXPECT_EQ(x[6], 0.0);
+}
+
+TYPED_TEST(SpatialVector, ArraysOfAnyShapeAreTakenAsFarAsTheyGo) {
+  TypeParam const x(ZuVector(1, 2, 3), ZuVector(4, 5, 6));
+  ZuReArray a(2, 9);
+  x.copyToArray(a);
+  EXPECT_EQ(a.rows() * 10 + a.columns(), 61U);
+  TypeParam copy;
+  copy.copyFromArray(a);
+  EXPECT_EQ(copy, x);
+  ZuReArray fourRows(4, 2), eightRows(8, 1);
+  for (unsigned int row = 0; row < 4; ++row) fourRows[row][0] = -1.0;
+  copy.copyFromArray(fourRows);
+  EXPECT_EQ(copy, TypeParam(ZuVector(-1, -1, -1), ZuVector(-1, 5, 6)));
+  copy.copyFromArray(ZuReArray(6, 0));
+  EXPECT_EQ(copy[5], 6.0);
+  copy.copyFromArray(eightRows);
+  EXPECT_EQ(copy, TypeParam::nullObject());
+}
+
+TYPED_TEST(SpatialVector, ArithmeticIsScalarByScalar) {
+  TypeParam const a(ZuVector(1, 2, 3), ZuVector(4, 5, 6)), b = a * -3.0;
+  TypeParam c = a + b;
+  EXPECT_EQ(c, TypeParam(ZuVector(-2, -4, -6), ZuVector(-8, -10, -12)));
+  c -= -a;
+  c += b;
+  c *= 0.25;
+  EXPECT_EQ(c, -a);
+  EXPECT_EQ(a - b, a * 4.0);
+  EXPECT_TRUE(a.approxEq(a - b * 0.01, 0.25) && !a.approxEq(a - b * 0.01, 0.125));
+}
+
+TYPED_TEST(SpatialVector, TransformationsComposeAndTheIdentityChangesNoBit) {
+  RandomValues random(61);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 100; ++i) {
+    TypeParam const x(random.vector(), random.vector());
+    ZuCoordinateSystemTransformation const s = random.transformation(), t = random.transformation();
+    EXPECT_TRUE((s * (t * x)).approxEq((s * t) * x, 1e-14));
+    EXPECT_TRUE((t.inverse() * (t * x)).approxEq(x, 1e-14));
+    EXPECT_EQ(ZuCoordinateSystemTransformation() * x, x);
+    EXPECT_EQ(ZuCoordinateSystemTransformation(ZuVector(), t.orientation()) * x, t.orientation() * x);
+    EXPECT_EQ(ZuCoordinateSystemTransformation(t.translation()) * x, TypeParam(x).transformBy(t.translation()));
+  }
+}
+
+TEST(SpatialVector, PowerDoesNotDependOnTheFrame) {
+  RandomValues random(62);
+  SCOPED_TRACE(random.trace());
+  auto const power = [](ZuGeneralForce const& f, ZuGeneralMotion const& v) {
+    return f.linear().dot(v.linear()) + f.angular().dot(v.angular());
+  };
+  for (int i = 0; i < 100; ++i) {
+    ZuGeneralForce const force(random.vector(), random.vector());
+    ZuGeneralMotion const motion(random.vector(), random.vector());
+    ZuCoordinateSystemTransformation const t = random.transformation();
+    EXPECT_NEAR(power(t * force, t * motion), power(force, motion), 1e-14);
+  }
+}
+
+TEST(GeneralForce, ItsMomentGrowsByTheLeverAndTheForceStays) {
+  ZuGeneralForce const lifted = ZuGeneralForce(ZuVector(0, 0, 2), ZuVector()).transformBy(ZuVector(3, 0, 0));
+  EXPECT_EQ(lifted, ZuGeneralForce(ZuVector(0, 0, 2), ZuVector(0, -6, 0)));
+  ZuGeneralForce zeroed = lifted;
+  zeroed.setToZero();
+  EXPECT_EQ(zeroed, ZuGeneralForce::m_theZeroGeneralForce);
+}
+
+TEST(GeneralMotion, ItsLinearVelocityGrowsByTheLeverAndTheAngularStays) {
+  ZuGeneralMotion const spun = ZuGeneralMotion(ZuVector(), ZuVector(0, 0, 2)).transformBy(ZuVector(3, 0, 0));
+  EXPECT_EQ(spun, ZuGeneralMotion(ZuVector(0, -6, 0), ZuVector(0, 0, 2)));
+  EXPECT_EQ(2.0 * spun, spun * 2.0);
+}
+
+TEST(GeneralMotion, ItsBinaryFormIsSixDoublesAndAShortStreamLeavesZeros) {
+  ZuGeneralMotion const motion = ZuGeneralMotion::testObject();
+  std::stringstream stream;
+  EXPECT_TRUE(motion.writeBin(stream));
+  ASSERT_EQ(stream.str().size(), 48U);
+  std::stringstream cut(stream.str().substr(0, 44));
+  ZuGeneralMotion back, part = -motion;
+  EXPECT_TRUE(back.readBin(stream) && part.readBin(cut));
+  EXPECT_EQ(back, motion);
+  ZuVector const w = motion.angular();
+  EXPECT_EQ(part, ZuGeneralMotion(motion.linear(), ZuVector(w.x(), w.y(), 0.0)));
+}
