@@ -57,14 +57,10 @@ ZuXmlComponent const* ZuXmlComponentMap::find(std::string_view name) const {
   return nullptr;
 }
 
-ZuXmlCompoundType& ZuXmlCompoundType::operator=(ZuXmlCompoundType const& other) {
-  ZuXmlObject::operator=(other);
+void ZuXmlCompoundType::dropBindings() {
   delete m_Bindings;
   m_Bindings = nullptr;
-  return *this;
 }
-
-ZuXmlCompoundType::~ZuXmlCompoundType() { delete m_Bindings; }
 
 void ZuXmlCompoundType::accept(ZuXmlObjectVisitor* visitor) {
   if (visitor == nullptr || !visitor->visit(*this)) return;

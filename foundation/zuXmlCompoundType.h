@@ -43,8 +43,15 @@ class ZU_API ZuXmlCompoundType : public ZuXmlObject {
  public:
   ZuXmlCompoundType() = default;
   ZuXmlCompoundType(ZuXmlCompoundType const& other) : ZuXmlObject(other) {}
-  ZuXmlCompoundType& operator=(ZuXmlCompoundType const& other);
-  ~ZuXmlCompoundType() override;
+  ZuXmlCompoundType& operator=(ZuXmlCompoundType const& other) {
+    ZuXmlObject::operator=(other);
+    if (m_Bindings != nullptr) dropBindings();
+    return *this;
+  }
+  // Inline, with the rare case outside: values are copied and destroyed in inner loops.
+  ~ZuXmlCompoundType() override {
+    if (m_Bindings != nullptr) dropBindings();
+  }
 
   /// The base part of every comparison: a compound type without members is equal to any other.
   bool operator==(ZuXmlCompoundType const&) const { return true; }
@@ -108,6 +115,7 @@ class ZU_API ZuXmlCompoundType : public ZuXmlObject {
     std::unique_ptr<ZuXmlSpecialDescriptorMap> specials;
   };
   Bindings& bindings() const;
+  void dropBindings();
   bool readIntoFreshObject(ZuXmlReader& reader);
 
   mutable Bindings* m_Bindings = nullptr;

@@ -39,8 +39,6 @@ bool writeFileInForm(ZuXmlObject const& object, Form form, std::string const& fi
 
 }  // namespace
 
-ZuXmlObject::~ZuXmlObject() = default;
-
 void ZuXmlObject::accept(ZuXmlObjectVisitor* visitor) {
   if (visitor != nullptr && visitor->visit(*this)) visitor->leave(*this);
 }

@@ -28,7 +28,7 @@ class ZuXmlWriter;
 /// An object may be written by one thread at a time, since the first write builds its table of components.
 class ZU_API ZuXmlObject {
  public:
-  virtual ~ZuXmlObject();
+  virtual ~ZuXmlObject() = default;
 
   /// Shows the object, and what it consists of, to the visitor.
   virtual void accept(ZuXmlObjectVisitor* visitor);
