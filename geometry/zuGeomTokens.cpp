@@ -18,4 +18,14 @@ ZuToken const ZuRadiusToken("radius");
 ZuToken const ZuGeneralMotionToken("generalMotion");
 ZuToken const ZuGeneralForceToken("generalForce");
 
+ZuToken const ZuLineToken("line");
+ZuToken const ZuPointToken("point");
+ZuToken const ZuUnitVectorToken("unitVector");
+ZuToken const ZuLineSegmentToken("lineSegment");
+ZuToken const ZuEndpoint0Token("endpoint0");
+ZuToken const ZuEndpoint1Token("endpoint1");
+ZuToken const ZuPlaneToken("plane");
+ZuToken const ZuPlaneBasePointToken("planeBasePoint");
+ZuToken const ZuPlaneNormalVectorToken("planeNormalVector");
+
 }  // namespace ZuGeom

@@ -25,4 +25,15 @@ extern ZU_API ZuToken const ZuRadiusToken;
 extern ZU_API ZuToken const ZuGeneralMotionToken;
 extern ZU_API ZuToken const ZuGeneralForceToken;
 
+// Figures
+extern ZU_API ZuToken const ZuLineToken;
+extern ZU_API ZuToken const ZuPointToken;
+extern ZU_API ZuToken const ZuUnitVectorToken;
+extern ZU_API ZuToken const ZuLineSegmentToken;
+extern ZU_API ZuToken const ZuEndpoint0Token;
+extern ZU_API ZuToken const ZuEndpoint1Token;
+extern ZU_API ZuToken const ZuPlaneToken;
+extern ZU_API ZuToken const ZuPlaneBasePointToken;
+extern ZU_API ZuToken const ZuPlaneNormalVectorToken;
+
 }  // namespace ZuGeom

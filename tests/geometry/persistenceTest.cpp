@@ -17,6 +17,9 @@
 #include "foundation/zuXmlVectorVector.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
+#include "geometry/zuLine.h"
+#include "geometry/zuLineSegment.h"
+#include "geometry/zuPlane.h"
 #include "tests/allocationCounter.h"
 #include "tests/printSink.h"
 
@@ -29,7 +32,7 @@ using Text = ZuXmlBasicType<std::string>;
 using ValueClasses =
     std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
-               ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce>;
+               ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane>;
 
 /// Classes that own memory for what they hold.
 using OwningClasses = std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>,

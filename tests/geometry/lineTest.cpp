@@ -1,0 +1,301 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "geometry/zuLine.h"
+#include "geometry/zuLineSegment.h"
+#include "tests/printSink.h"
+#include "tests/randomValues.h"
+#include "tests/sharedFiles.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+
+using Transformation = ZuCoordinateSystemTransformation;
+
+double constexpr theEps = 0x1p-52;
+
+/// A vector in extended precision.
+struct LongVector {
+  long double x, y, z;
+  LongVector(ZuVector const& v) : x(v.x()), y(v.y()), z(v.z()) {}  // NOLINT
+  LongVector(long double a, long double b, long double c) : x(a), y(b), z(c) {}
+  LongVector operator+(LongVector const& v) const { return {x + v.x, y + v.y, z + v.z}; }
+  LongVector operator-(LongVector const& v) const { return {x - v.x, y - v.y, z - v.z}; }
+  LongVector operator*(long double s) const { return {x * s, y * s, z * s}; }
+  long double dot(LongVector const& v) const { return x * v.x + y * v.y + z * v.z; }
+};
+
+long double squaredFromPoint(LongVector const& p, LongVector const& q0, LongVector const& delta) {
+  long double const c = delta.dot(delta);
+  long double const t = c > 0 ? std::clamp((p - q0).dot(delta) / c, 0.0L, 1.0L) : 0.0L;
+  LongVector const r = p - q0 - delta * t;
+  return r.dot(r);
+}
+
+/// The distance of two segments by a search along the first: the squared distance from its points to the second is
+/// convex.
+double searchedDistance(ZuLineSegment const& a, ZuLineSegment const& b) {
+  LongVector const p0 = a.endpoint0(), u = LongVector(a.endpoint1()) - p0;
+  LongVector const q0 = b.endpoint0(), v = LongVector(b.endpoint1()) - q0;
+  auto const squared = [&](long double s) { return squaredFromPoint(p0 + u * s, q0, v); };
+  long double low = 0, high = 1, best = std::min(squared(0), squared(1));
+  for (int i = 0; i < 120; ++i) {
+    long double const left = low + (high - low) / 3, right = high - (high - low) / 3;
+    long double const fLeft = squared(left), fRight = squared(right);
+    best = std::min({best, fLeft, fRight});
+    (fLeft < fRight ? high : low) = fLeft < fRight ? right : left;
+  }
+  return static_cast<double>(std::sqrt(best));
+}
+
+/// The diameter of the pair, within a factor 2.
+double extentOf(ZuLineSegment const& a, ZuLineSegment const& b) {
+  return std::max(
+      {a.length(), b.length(), a.endpoint0().distanceTo(b.endpoint0()), a.endpoint0().distanceTo(b.endpoint1())});
+}
+
+/// Two segments at the angle, whose carrier lines come closest at random places in and around them; a third of them
+/// touch there.
+std::pair<ZuLineSegment, ZuLineSegment> pairAtAngle(RandomValues& random, double angle) {
+  ZuVector const u = random.direction() * random.scale(0.1, 10.0);
+  ZuVector const v = u * random.real(-3.0, 3.0) + random.direction() * (angle * u.mag());
+  ZuVector const apart =
+      random.direction().cross(u).unitVector() * (random.index(3) == 0 ? 0.0 : random.scale(1e-6, 1.0));
+  ZuVector const p0 = random.vector(10.0), q0 = p0 + u * random.real(-0.5, 1.5) - v * random.real(-0.5, 1.5) + apart;
+  return {ZuLineSegment(p0, p0 + u), ZuLineSegment(q0, q0 + v)};
+}
+
+ZuVector pointOf(ZuLineSegment const& segment, double t) {
+  ZuVector point;
+  segment.computePointOnLineSegment(t, point);
+  return point;
+}
+
+}  // namespace
+
+TEST(LineSegment, DistanceHoldsAtEveryAngleHoweverSmall) {
+  RandomValues random(401);
+  SCOPED_TRACE(random.trace());
+  int interior = 0, total = 0;
+  for (double angle = 1.0; angle > 1e-18; angle *= 0.1) {
+    for (int i = 0; i < 300; ++i, ++total) {
+      auto const [a, b] = pairAtAngle(random, angle);
+      double const tolerance = 8.0 * theEps * extentOf(a, b);
+      double s, t;
+      EXPECT_NEAR(std::sqrt(a.distanceSquaredTo(b, s, t)), searchedDistance(a, b), tolerance) << "angle " << angle;
+      EXPECT_NEAR(b.distanceTo(a), a.distanceTo(b), tolerance) << "angle " << angle;
+      interior += s > 0.0 && s < 1.0 && t > 0.0 && t < 1.0;
+    }
+  }
+  EXPECT_GT(interior, total / 20);
+  EXPECT_LT(interior, total / 2);
+}
+
+TEST(LineSegment, ParametersOfAnInteriorOrCornerMinimumNameTheClosestPoints) {
+  RandomValues random(402);
+  SCOPED_TRACE(random.trace());
+  int kept = 0;
+  for (int i = 0; i < 2000; ++i) {
+    auto const [a, b] = pairAtAngle(random, 0.3);
+    double s, t, sOfLines, tOfLines;
+    double const distance = std::sqrt(a.distanceSquaredTo(b, s, t));
+    a.distanceSquaredLineToLine(b, sOfLines, tOfLines);
+    bool const sIsKept = sOfLines >= 0.0 && sOfLines <= 1.0 && (tOfLines < 0.0 || tOfLines > 1.0);
+    kept += sIsKept;
+    if (sIsKept) {
+      EXPECT_EQ(s, sOfLines);
+      EXPECT_EQ(t, tOfLines < 0.0 ? 0.0 : 1.0);
+      a.distanceSquaredTo(b.endpoint(t == 0.0 ? 0 : 1), s);
+    }
+    EXPECT_NEAR(pointOf(a, s).distanceTo(pointOf(b, t)), distance, 1e-14 * extentOf(a, b));
+  }
+  EXPECT_GT(kept, 200);
+}
+
+TEST(LineSegment, PairsFollowTheRulesOfTheirParameters) {
+  ZuLineSegment const unit({0, 0, 0}, {1, 0, 0}), point({3, 4, 0}, {3, 4, 0});
+  struct Case {
+    char const* what;
+    ZuLineSegment a, b;
+    double squared, s, t;
+  } const cases[] = {{"crossing inside", {{-1, 0, 0}, {1, 0, 0}}, {{0, -1, 2}, {0, 3, 2}}, 4.0, 0.5, 0.25},
+                     {"s kept, t below", {{0, 0, 0}, {4, 0, 0}}, {{3, 1, 0}, {5, 3, 0}}, 1.0, 0.5, 0.0},
+                     {"s kept, t above", {{0, 0, 0}, {4, 0, 0}}, {{5, 3, 0}, {3, 1, 0}}, 1.0, 0.5, 1.0},
+                     {"s below, t raw", {{1, 0, 0}, {2, 0, 0}}, {{0, -1, 0}, {0, 1, 0}}, 1.0, 0.0, 0.5},
+                     {"s above, t raw", {{2, 0, 0}, {1, 0, 0}}, {{0, -1, 0}, {0, 1, 0}}, 1.0, 1.0, 0.5},
+                     {"s below, t raw and outside", {{1, -1, 0}, {2, -2, 0}}, {{0, 0, 0}, {0, 4, 0}}, 2.0, 0.0, -0.25},
+                     {"the first of two equal corners", {{1, 0, 0}, {2, 0, 0}}, {{0, 1, 0}, {0, 2, 0}}, 2.0, -1.0, 0.0},
+                     {"another corner is closer", {{2, 0, 0}, {1, 0, 0}}, {{0, 2, 0}, {0, 1, 0}}, 2.0, 2.0, 1.0},
+                     {"parallel, side by side", {{0, 0, 0}, {4, 0, 0}}, {{-1, 2, 0}, {3, 2, 0}}, 4.0, 0.0, 0.25},
+                     {"parallel, apart", unit, {{3, 0, 0}, {4, 0, 0}}, 4.0, 0.0, 0.0},
+                     {"antiparallel, apart", unit, {{4, 0, 0}, {3, 0, 0}}, 4.0, 0.0, 1.0},
+                     {"this one a point", point, unit, 20.0, 0.0, 0.0},
+                     {"the other one a point", unit, point, 20.0, 0.0, 0.0},
+                     {"two points", point, ZuLineSegment(), 25.0, 0.0, 0.0}};
+  for (Case const& c : cases) {
+    double s = -7.0, t = -7.0;
+    EXPECT_EQ(c.a.distanceSquaredTo(c.b, s, t), c.squared) << c.what;
+    EXPECT_EQ(s, c.s) << c.what;
+    EXPECT_EQ(t, c.t) << c.what;
+    EXPECT_EQ(c.a.distanceSquaredTo(c.b), c.squared) << c.what;
+    EXPECT_EQ(c.a.distanceTo(c.b), std::sqrt(c.squared)) << c.what;
+    if (c.a.lengthSquared() == 0.0 || c.b.lengthSquared() == 0.0) continue;
+    EXPECT_EQ(c.a.nondegenerateDistanceSquaredTo(c.b, s, t), c.squared) << c.what;
+    EXPECT_EQ(c.a.nondegenerateDistanceSquaredTo(c.b), c.squared) << c.what;
+  }
+}
+
+TEST(LineSegment, AgreesWithPublishedHardCases) {
+  std::ifstream file(sharedFile("cases/open.segments.txt"));
+  if (!file) GTEST_SKIP() << "cases/open.segments.txt is not in ZU_SHARED";
+  std::map<std::string, std::string> fields;
+  int count = 0;
+  auto const vectorOf = [&fields](char const* key) {
+    std::istringstream text(fields[key]);
+    double x, y, z;
+    text >> x >> y >> z;
+    return ZuVector(x, y, z);
+  };
+  for (std::string line; std::getline(file, line);) {
+    std::string const key = line.substr(0, line.find(' '));
+    if (key != "end") {
+      fields[key] = line.substr(std::min(line.size(), key.size() + 1));
+      continue;
+    }
+    ZuLineSegment const p(vectorOf("p0"), vectorOf("p1")), q(vectorOf("q0"), vectorOf("q1"));
+    double const tolerance = 8.0 * theEps * extentOf(p, q);
+    EXPECT_NEAR(p.distanceTo(q), std::stod(fields["d"]), tolerance) << fields["segments"];
+    EXPECT_NEAR(q.distanceTo(p), std::stod(fields["d"]), tolerance) << fields["segments"];
+    ++count;
+  }
+  EXPECT_GT(count, 20);
+}
+
+TEST(LineSegment, PointsSeeTheNearestPointAndTheRawParameter) {
+  ZuLineSegment const segment({1, 0, 0}, {3, 0, 0}), point({1, 2, 2}, {1, 2, 2});
+  struct Case {
+    ZuLineSegment segment;
+    ZuVector p;
+    double squared, t, squaredFromLine, tOfLine;
+  } const cases[] = {{segment, {2, 3, 0}, 9.0, 0.5, 9.0, 0.5},
+                     {segment, {0, 3, 0}, 10.0, -0.5, 9.0, -0.5},
+                     {segment, {6, 4, 0}, 25.0, 2.5, 16.0, 2.5},
+                     {segment, {3, 0, 0}, 0.0, 1.0, 0.0, 1.0},
+                     {point, {0, 0, 0}, 9.0, 0.0, 0.0, 1e300}};
+  for (Case const& c : cases) {
+    double t = -7.0, tOfLine = -7.0;
+    EXPECT_EQ(c.segment.distanceSquaredTo(c.p, t), c.squared);
+    EXPECT_EQ(c.segment.distanceSquaredTo(c.p), c.squared);
+    EXPECT_EQ(c.segment.distanceTo(c.p), std::sqrt(c.squared));
+    EXPECT_EQ(t, c.t);
+    EXPECT_EQ(c.segment.distanceSquaredFromLineTo(c.p, tOfLine), c.squaredFromLine);
+    EXPECT_EQ(c.segment.distanceSquaredFromLineTo(c.p), c.squaredFromLine);
+    EXPECT_EQ(tOfLine, c.tOfLine);
+  }
+}
+
+TEST(LineSegment, DeltaAndLengthFollowTheEndpoints) {
+  ZuVector const p(1, 2, 3), q(4, 6, 3);
+  ZuLineSegment set, one, read;
+  set.setEndpoints(p, q);
+  one.setEndpoint0(p);
+  one.setEndpoint1(q);
+  ASSERT_TRUE(read.readFromBuffer("<s><endpoint1>4 6 3</endpoint1><endpoint0>1 2 3</endpoint0></s>"));
+  for (ZuLineSegment const& segment : {set, one, read, ZuLineSegment(read)}) {
+    EXPECT_EQ(segment, ZuLineSegment(p, q));
+    EXPECT_EQ(segment.delta(), ZuVector(3, 4, 0));
+    EXPECT_EQ(segment.length(), 5.0);
+    EXPECT_EQ(segment.center(), ZuVector(2.5, 4, 3));
+  }
+  set.swapEndpoints();
+  EXPECT_EQ(set, ZuLineSegment(q, p));
+  EXPECT_EQ(set.delta(), ZuVector(-3, -4, 0));
+  EXPECT_EQ(set.lengthSquared(), 25.0);
+}
+
+TEST(LineSegment, ABadEndpointIndexPrintsAndGivesTheSecond) {
+  ZuLineSegment const segment({1, 0, 0}, {3, 0, 0});
+  PrintSink sink;
+  EXPECT_EQ(segment.endpoint(0), ZuVector(1, 0, 0));
+  EXPECT_EQ(segment.endpoint(1), ZuVector(3, 0, 0));
+  EXPECT_TRUE(sink.messages().empty());
+  EXPECT_EQ(segment.endpoint(2), ZuVector(3, 0, 0));
+  ASSERT_EQ(sink.take(), std::vector<std::string>{"ZuLineSegment::endpoint(): index 2 out of range.\n"});
+}
+
+TEST(LineSegment, MovesAsItsPointsDoAndKeepsItsLengthBitForBit) {
+  RandomValues random(403);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 100; ++i) {
+    Transformation const xform = random.transformation();
+    ZuLineSegment const segment(random.vector(), random.vector()), moved = xform * segment;
+    EXPECT_EQ(moved, ZuLineSegment(xform * segment.endpoint0(), xform * segment.endpoint1()));
+    EXPECT_EQ(moved.delta(), moved.endpoint1() - moved.endpoint0());
+    EXPECT_EQ(moved.lengthSquared(), segment.lengthSquared());
+    ZuPlainSegment const plain = segment.plain().transformedBy(xform);
+    EXPECT_EQ(plain.delta, moved.delta());
+    EXPECT_EQ(plain.lengthSquared, segment.lengthSquared());
+  }
+}
+
+TEST(Line, DistanceIsAsGoodAsTheRoundedDirectionsAllow) {
+  RandomValues random(404);
+  SCOPED_TRACE(random.trace());
+  for (double angle = 1.0; angle > 1e-12; angle *= 0.1) {
+    // Rounding turns the directions by eps and the common perpendicular by eps / angle.
+    double const turn = 4.0 * theEps / angle;
+    for (int i = 0; i < 100; ++i) {
+      // Two lines whose common perpendicular of known length stands at s and t.
+      ZuVector const u = random.direction(), side = u.cross(random.direction()).unitVector(), up = u.cross(side);
+      ZuVector const v = u + side * std::tan(angle);
+      double const distance = random.scale(1e-3, 1.0), sKnown = random.real(), tKnown = random.real();
+      ZuVector const foot = random.vector();
+      ZuLine const a(foot - u * sKnown, u), b(foot + up * distance - v.unitVector() * tKnown, v);
+      double s, t;
+      EXPECT_NEAR(std::sqrt(a.distanceSquared(b, s, t)), distance, 16.0 * theEps + turn * turn) << "angle " << angle;
+      EXPECT_NEAR(s, sKnown, 8.0 * turn / angle) << "angle " << angle;
+      EXPECT_NEAR(t, tKnown, 8.0 * turn / angle) << "angle " << angle;
+    }
+  }
+}
+
+TEST(Line, ParallelLinesAreMeasuredFromThePointOfTheFirst) {
+  ZuVector const direction(1.0, 2.0, -2.0);
+  ZuLine const a({1, 1, 1}, direction), b({3, 0, 1}, -direction);
+  double s = -7.0, t = -7.0, tOfPoint = -7.0;
+  EXPECT_EQ(a.distanceSquared(b, s, t), b.distanceSquaredFromLineTo(a.point(), tOfPoint));
+  EXPECT_EQ(s, 0.0);
+  EXPECT_EQ(t, tOfPoint);
+  EXPECT_EQ(b.distanceSquaredFromLineTo(a.point()), b.distanceSquaredFromLineTo(a.point(), t));
+}
+
+TEST(Line, TheClosestPointIsOnTheLineAndStraightBelow) {
+  RandomValues random(405);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 100; ++i) {
+    ZuLine const line = random.transformation() * ZuLine(random.vector(), random.vector());
+    ZuVector const p = random.vector(), foot = line.pointOnLineClosestTo(p);
+    double t;
+    EXPECT_NEAR(line.distanceSquaredFromLineTo(p, t), p.distanceSquaredTo(foot), 32.0 * theEps);
+    EXPECT_NEAR((p - foot).dot(line.unitVector()), 0.0, 16.0 * theEps);
+    EXPECT_TRUE(foot.approxEq(line.point() + t * line.unitVector(), 0.0));
+  }
+}
+
+TEST(Line, TheDirectionIsNormalisedWhenSetAndOnlyThen) {
+  ZuLine line({1, 2, 3}, {0, 3, 4});
+  EXPECT_TRUE(line.unitVector().approxEq({0, 0.6, 0.8}, theEps));
+  line.setUnitVector({0, 0, -5});
+  EXPECT_EQ(line.unitVector(), ZuVector(0, 0, -1));
+  line.transformBy(Transformation({1, 1, 1}, ZuOrientation().xRotation(std::acos(-1.0))));
+  EXPECT_TRUE(line.point().approxEq({2, -1, -2}, 4.0 * theEps));
+  EXPECT_TRUE(line.unitVector().approxEq({0, 0, 1}, 4.0 * theEps));
+  ASSERT_TRUE(line.readFromBuffer("<l><unitVector>2 0 0</unitVector></l>"));
+  EXPECT_EQ(line.unitVector(), ZuVector(2, 0, 0));
+  line.setUnitVector({0, 0, 0});
+  EXPECT_EQ(line.pointOnLineClosestTo({5, 5, 5}), line.point());
+}
