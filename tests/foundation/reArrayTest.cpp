@@ -147,11 +147,3 @@ TEST(ReArray, SmallSystemsAreSolvedWithoutAllocation) {
   EXPECT_EQ(counter.count(), 0U);
   EXPECT_TRUE((inverse * ZuVector(1, 2, 3)).approxEq(y, 1e-12));
 }
-
-TEST(ReArray, ResizingClearsAllElements) {
-  ZuReArray a = theSingular;
-  EXPECT_TRUE(a.resizeArray(6, 1));
-  EXPECT_EQ(a, ZuReArray(6, 1));
-  EXPECT_NE(a, ZuReArray(1, 6));
-  EXPECT_EQ(ZuReArray().rows() + ZuReArray().columns(), 0U);
-}

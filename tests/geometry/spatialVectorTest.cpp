@@ -26,7 +26,8 @@ TYPED_TEST(SpatialVector, ScalarsAreLinearThenAngularAndOthersDoNotExist) {
 
 TYPED_TEST(SpatialVector, ArraysOfAnyShapeAreTakenAsFarAsTheyGo) {
   TypeParam const x(ZuVector(1, 2, 3), ZuVector(4, 5, 6));
-  ZuReArray a(2, 9);
+  ZuReArray a(3, 2);  // six elements as well, none of which may survive in its place
+  a[0][1] = 9.0;
   x.copyToArray(a);
   EXPECT_EQ(a.rows() * 10 + a.columns(), 61U);
   TypeParam copy;
