@@ -15,6 +15,7 @@ char const* const theHead = R"(<?xml version="1.0" encoding="UTF-8"?>
 <xs:simpleType name="real"><xs:union memberTypes="xs:double"><xs:simpleType><xs:restriction base="xs:token">
 <xs:pattern value="[+\-]?inf|-?nan(\(0x[0-9a-f]+\))?"/></xs:restriction></xs:simpleType></xs:union></xs:simpleType>
 <xs:simpleType name="realList"><xs:list itemType="real"/></xs:simpleType>
+<xs:simpleType name="realPair"><xs:restriction base="realList"><xs:length value="2"/></xs:restriction></xs:simpleType>
 <xs:simpleType name="realTriple"><xs:restriction base="realList"><xs:length value="3"/></xs:restriction></xs:simpleType>
 <xs:simpleType name="realQuadruple"><xs:restriction base="realList"><xs:length value="4"/></xs:restriction></xs:simpleType>
 )";

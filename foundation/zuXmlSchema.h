@@ -16,7 +16,8 @@ class ZU_API ZuXmlSchema {
  public:
   static constexpr unsigned int m_theUnbounded = 4294967295U;
 
-  /// Content is text: "real", "realTriple", "realQuadruple" of this library, or a type of XML Schema ("xs:string").
+  /// Content is text: "real", "realPair", "realTriple", "realQuadruple" of this library, or a type of XML Schema
+  /// ("xs:string").
   void simple(std::string const& type);
 
   /// Content is the named type. True when its description is to follow, up to endType(); false when it is known.

@@ -27,5 +27,16 @@ ZuToken const ZuEndpoint1Token("endpoint1");
 ZuToken const ZuPlaneToken("plane");
 ZuToken const ZuPlaneBasePointToken("planeBasePoint");
 ZuToken const ZuPlaneNormalVectorToken("planeNormalVector");
+ZuToken const ZuPlanarVectorToken("planarVector");
+ZuToken const ZuTriangleToken("triangle");
+ZuToken const ZuGeomTriangleToken("geomTriangle");
+ZuToken const ZuPoint0Token("point0");
+ZuToken const ZuPoint1Token("point1");
+ZuToken const ZuPoint2Token("point2");
+ZuToken const ZuPolygonToken("polygon");
+ZuToken const ZuPolygonWithKeyToken("polygonWithKey");
+ZuToken const ZuPointsToken("points");
+ZuToken const ZuPointIndicesToken("pointIndices");
+ZuToken const ZuSurfaceKeyToken("surfaceKey");
 
 }  // namespace ZuGeom

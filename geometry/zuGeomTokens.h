@@ -35,5 +35,16 @@ extern ZU_API ZuToken const ZuEndpoint1Token;
 extern ZU_API ZuToken const ZuPlaneToken;
 extern ZU_API ZuToken const ZuPlaneBasePointToken;
 extern ZU_API ZuToken const ZuPlaneNormalVectorToken;
+extern ZU_API ZuToken const ZuPlanarVectorToken;
+extern ZU_API ZuToken const ZuTriangleToken;
+extern ZU_API ZuToken const ZuGeomTriangleToken;
+extern ZU_API ZuToken const ZuPoint0Token;
+extern ZU_API ZuToken const ZuPoint1Token;
+extern ZU_API ZuToken const ZuPoint2Token;
+extern ZU_API ZuToken const ZuPolygonToken;
+extern ZU_API ZuToken const ZuPolygonWithKeyToken;
+extern ZU_API ZuToken const ZuPointsToken;
+extern ZU_API ZuToken const ZuPointIndicesToken;
+extern ZU_API ZuToken const ZuSurfaceKeyToken;
 
 }  // namespace ZuGeom

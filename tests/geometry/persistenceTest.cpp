@@ -17,9 +17,14 @@
 #include "foundation/zuXmlVectorVector.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
+#include "geometry/zuGeomTriangle.h"
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
+#include "geometry/zuPlanarVector.h"
 #include "geometry/zuPlane.h"
+#include "geometry/zuPolygon.h"
+#include "geometry/zuPolygonWithKey.h"
+#include "geometry/zuTriangle.h"
 #include "tests/allocationCounter.h"
 #include "tests/printSink.h"
 
@@ -32,11 +37,13 @@ using Text = ZuXmlBasicType<std::string>;
 using ValueClasses =
     std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
-               ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane>;
+               ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane,
+               ZuPlanarVector, ZuTriangle, ZuGeomTriangle>;
 
 /// Classes that own memory for what they hold.
-using OwningClasses = std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>,
-                                 ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType>;
+using OwningClasses =
+    std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlMapType<Text, ZuXmlVector>,
+               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey>;
 
 template <class Tuple>
 struct TypesOf;
