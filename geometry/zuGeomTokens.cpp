@@ -39,4 +39,8 @@ ZuToken const ZuPointsToken("points");
 ZuToken const ZuPointIndicesToken("pointIndices");
 ZuToken const ZuSurfaceKeyToken("surfaceKey");
 
+ZuToken const ZuAxisAlignedBoundingBoxToken("axisAlignedBoundingBox");
+ZuToken const ZuAbbMinExtentToken("abbMinExtent");
+ZuToken const ZuAbbMaxExtentToken("abbMaxExtent");
+
 }  // namespace ZuGeom

@@ -47,4 +47,9 @@ extern ZU_API ZuToken const ZuPointsToken;
 extern ZU_API ZuToken const ZuPointIndicesToken;
 extern ZU_API ZuToken const ZuSurfaceKeyToken;
 
+// Boxes
+extern ZU_API ZuToken const ZuAxisAlignedBoundingBoxToken;
+extern ZU_API ZuToken const ZuAbbMinExtentToken;
+extern ZU_API ZuToken const ZuAbbMaxExtentToken;
+
 }  // namespace ZuGeom

@@ -15,6 +15,7 @@
 #include "foundation/zuXmlVector.h"
 #include "foundation/zuXmlVectorType.h"
 #include "foundation/zuXmlVectorVector.h"
+#include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTriangle.h"
@@ -38,12 +39,12 @@ using ValueClasses =
     std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
                ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane,
-               ZuPlanarVector, ZuTriangle, ZuGeomTriangle>;
+               ZuAxisAlignedBoundingBox, ZuPlanarVector, ZuTriangle, ZuGeomTriangle>;
 
 /// Classes that own memory for what they hold.
 using OwningClasses =
-    std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlMapType<Text, ZuXmlVector>,
-               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey>;
+    std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
+               ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey>;
 
 template <class Tuple>
 struct TypesOf;
