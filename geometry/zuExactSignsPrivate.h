@@ -5,7 +5,7 @@
 
 /// Signs of determinants of double coordinates, as if computed with infinite precision: an estimate in doubles decides
 /// when it is further from zero than its error bound, otherwise the determinant is summed exactly as an expansion
-/// (J. R. Shewchuk, "Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric Predicates", 1997).
+/// (Shewchuk 1997).
 ///
 /// Exact as long as no product of three coordinates overflows and none of their rounding errors underflows: safe for
 /// coordinates of 1e-75 to 1e100 in magnitude, or 0. A coordinate that is not finite gives an arbitrary sign.
