@@ -73,7 +73,7 @@ ZuDataMap const& ZuDataMap::defaultManipColor() {
 bool ZuDataMap::read(ZuXmlReader& reader) {
   ZuXmlReadScope const scope(reader);
   std::map<std::string, Value> values;
-  for (bool more = reader.firstChild(); more; more = reader.nextSibling()) {
+  for (bool more = reader.firstItem(); more; more = reader.nextSibling()) {
     Entry entry;
     if (reader.name() != "entry") return reader.refuse("an element other than <entry>");
     if (!entry.read(reader)) return reader.refuseSilently();
@@ -100,7 +100,7 @@ bool ZuDataMap::write(ZuXmlWriter& writer) const {
 }
 
 bool ZuDataMap::writeSchema(ZuXmlSchema& schema) const {
-  if (!schema.beginType("ZuDataMap")) return true;
+  if (!schema.beginType(*this)) return true;
   schema.beginGroup("sequence");
   schema.beginElement("entry", 0, ZuXmlSchema::m_theUnbounded);
   if (schema.beginType("ZuDataMap_entry")) {

@@ -3,6 +3,7 @@
 #include "foundation/zuTcpSocket.h"
 
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
@@ -11,6 +12,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <chrono>
+#include <exception>
 
 #include "foundation/zuPrint.h"
 #include "foundation/zuXmlReader.h"
@@ -23,11 +25,40 @@ namespace {
 
 constexpr std::size_t theHeaderSize = 8;                // bytes
 constexpr std::size_t theChunk = std::size_t{1} << 18;  // bytes that memory grows by, at most, before they arrive
+constexpr std::size_t theLimit = ZuXmlReader::m_theMaximumDocumentSize;
 
 bool refuse(char const* function, std::string const& why) {
   Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuTcpSocket::%s-->%s", function, why.c_str());
   return false;
 }
+
+/// When waiting ends; never, when the timeout is 0.
+class Deadline {
+ public:
+  explicit Deadline(unsigned int milliseconds)
+      : m_IsSet(milliseconds != 0), m_End(Clock::now() + std::chrono::milliseconds(milliseconds)) {}
+
+  /// Waits until the descriptor is ready; false when the time is up.
+  bool waitFor(int descriptor, short events) const {
+    for (;;) {
+      pollfd entry{descriptor, events, 0};
+      int const ready = ::poll(&entry, 1, millisecondsLeft());
+      if (ready > 0) return true;
+      if (ready == 0 && m_IsSet && Clock::now() >= m_End) return false;
+    }
+  }
+
+ private:
+  int millisecondsLeft() const {
+    if (!m_IsSet) return -1;
+    // Rounded up: rounded down, the last fraction of a millisecond would be spent polling without a pause.
+    auto const left = std::chrono::ceil<std::chrono::milliseconds>(m_End - Clock::now()).count();
+    return static_cast<int>(std::clamp<long long>(left, 0, 1 << 30));
+  }
+
+  bool m_IsSet;
+  Clock::time_point m_End;
+};
 
 }  // namespace
 
@@ -36,27 +67,26 @@ struct ZuTcpSocket::Connection {
   tcp::acceptor acceptor{context};
   tcp::socket socket{context};
   std::atomic<unsigned int> timeout{0};
+  std::atomic<bool> isOver{true};
 
-  /// Waits until the socket is ready; false when the time is up.
-  bool waitFor(short events, Clock::time_point deadline) {
-    pollfd entry{socket.native_handle(), events, 0};
-    int left = -1;
-    if (timeout != 0) {
-      auto const rest = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-      left = static_cast<int>(std::clamp<long long>(rest, 0, 1 << 30));
-    }
-    return ::poll(&entry, 1, left) != 0;
+  /// A connected socket never blocks by itself, so that the deadline holds, and sends the short first part of a message
+  /// without waiting for the peer's acknowledgement.
+  error_code begin() {
+    error_code error;
+    socket.non_blocking(true, error);
+    if (!error) socket.set_option(tcp::no_delay(true), error);
+    isOver = static_cast<bool>(error);
+    return error;
   }
 
   /// Moves exactly `size` bytes with `step`, a read_some or write_some. Returns why it can't, or nothing.
   template <class Step>
-  std::string transfer(std::size_t size, short events, Step step) {
-    Clock::time_point const deadline = Clock::now() + std::chrono::milliseconds(timeout);
+  std::string transfer(std::size_t size, short events, Deadline const& deadline, Step step) {
     for (std::size_t done = 0; done < size;) {
-      if (!waitFor(events, deadline)) return "the peer is silent";
+      if (!deadline.waitFor(socket.native_handle(), events)) return "the time is up";
       error_code error;
       done += step(done, error);
-      if (error == boost::asio::error::eof) return "the peer closed the connection within a message";
+      if (error == boost::asio::error::eof) return "the peer closed the connection";
       if (error && error != boost::asio::error::interrupted && error != boost::asio::error::would_block) {
         return error.message();
       }
@@ -64,21 +94,41 @@ struct ZuTcpSocket::Connection {
     return {};
   }
 
-  std::string read(char* bytes, std::size_t size) {
-    return transfer(size, POLLIN, [&](std::size_t done, error_code& error) {
+  std::string read(char* bytes, std::size_t size, Deadline const& deadline) {
+    return transfer(size, POLLIN, deadline, [&](std::size_t done, error_code& error) {
       return socket.read_some(boost::asio::buffer(bytes + done, size - done), error);
     });
   }
 
-  std::string write(char const* bytes, std::size_t size) {
-    return transfer(size, POLLOUT, [&](std::size_t done, error_code& error) {
+  std::string write(char const* bytes, std::size_t size, Deadline const& deadline) {
+    return transfer(size, POLLOUT, deadline, [&](std::size_t done, error_code& error) {
       return socket.write_some(boost::asio::buffer(bytes + done, size - done), error);
     });
   }
 
+  std::string receive(std::string& message) {
+    Deadline const deadline(timeout);
+    std::array<char, theHeaderSize> header;
+    std::string fault = read(header.data(), header.size(), deadline);
+    if (!fault.empty()) return fault;
+    std::uint64_t size = 0;
+    for (char const byte : header) size = size << 8 | static_cast<unsigned char>(byte);
+    if (size > theLimit) return "a message of " + std::to_string(size) + " bytes is refused";
+    std::string bytes;
+    while (bytes.size() < size) {
+      std::size_t const old = bytes.size();
+      bytes.resize(old + std::min<std::size_t>(theChunk, static_cast<std::size_t>(size) - old));
+      fault = read(bytes.data() + old, bytes.size() - old, deadline);
+      if (!fault.empty()) return fault + " within a message of " + std::to_string(size) + " bytes";
+    }
+    message = std::move(bytes);
+    return {};
+  }
+
+  /// Ends the connection in a way that another thread, which may be using the socket, survives.
   bool fail(char const* function, std::string const& why) {
-    error_code ignored;
-    socket.close(ignored);
+    isOver = true;
+    ::shutdown(socket.native_handle(), SHUT_RDWR);
     return refuse(function, why);
   }
 };
@@ -97,7 +147,10 @@ bool ZuTcpSocket::listen(std::uint16_t port, bool loopbackOnly) {
   if (!error) acceptor.set_option(tcp::acceptor::reuse_address(true), error);
   if (!error) acceptor.bind(endpoint, error);
   if (!error) acceptor.listen(boost::asio::socket_base::max_listen_connections, error);
-  return !error || refuse("listen", error.message());
+  if (!error) return true;
+  std::string const why = error.message();
+  acceptor.close(error);
+  return refuse("listen", "port " + std::to_string(port) + ": " + why);
 }
 
 std::uint16_t ZuTcpSocket::port() const {
@@ -109,25 +162,46 @@ std::uint16_t ZuTcpSocket::port() const {
 bool ZuTcpSocket::accept() {
   error_code error;
   close();
+  if (!m_Connection->acceptor.is_open()) return refuse("accept", "not listening");
+  if (!Deadline(m_Connection->timeout).waitFor(m_Connection->acceptor.native_handle(), POLLIN)) {
+    return refuse("accept", "the time is up");
+  }
   m_Connection->acceptor.accept(m_Connection->socket, error);
+  if (!error) error = m_Connection->begin();
   return !error || refuse("accept", error.message());
 }
 
 bool ZuTcpSocket::connect(std::string const& host, std::uint16_t port) {
   error_code error;
   close();
-  tcp::resolver resolver(m_Connection->context);
-  auto const endpoints = resolver.resolve(host, std::to_string(port), error);
-  if (!error) boost::asio::connect(m_Connection->socket, endpoints, error);
+  boost::asio::io_context& context = m_Connection->context;
+  auto const endpoints = tcp::resolver(context).resolve(host, std::to_string(port), error);
+  if (!error) {
+    error = boost::asio::error::timed_out;
+    boost::asio::async_connect(m_Connection->socket, endpoints,
+                               [&](error_code const& result, tcp::endpoint const&) { error = result; });
+    context.restart();
+    if (m_Connection->timeout == 0) {
+      context.run();
+    } else {
+      context.run_for(std::chrono::milliseconds(m_Connection->timeout));
+    }
+    bool const isTimeUp = !context.stopped();
+    if (isTimeUp) close();
+    context.run();
+    if (isTimeUp) error = boost::asio::error::timed_out;
+  }
+  if (!error) error = m_Connection->begin();
   if (!error) return true;
   close();
-  return refuse("connect", host + ": " + error.message());
+  return refuse("connect", host + ", port " + std::to_string(port) + ": " + error.message());
 }
 
-bool ZuTcpSocket::isConnected() const { return m_Connection->socket.is_open(); }
+bool ZuTcpSocket::isConnected() const { return !m_Connection->isOver; }
 
 void ZuTcpSocket::close() {
   error_code ignored;
+  m_Connection->isOver = true;
   m_Connection->socket.close(ignored);
 }
 
@@ -135,31 +209,25 @@ void ZuTcpSocket::setTimeout(unsigned int milliseconds) { m_Connection->timeout 
 
 bool ZuTcpSocket::send(std::string const& message) const {
   if (!isConnected()) return refuse("send", "not connected");
+  if (message.size() > theLimit) {
+    return refuse("send", "a message of " + std::to_string(message.size()) + " bytes is refused");
+  }
   std::array<char, theHeaderSize> header;
   std::uint64_t rest = message.size();
   for (std::size_t i = theHeaderSize; i-- > 0; rest >>= 8) header[i] = static_cast<char>(rest & 0xFFU);
-  std::string fault = m_Connection->write(header.data(), header.size());
-  if (fault.empty()) fault = m_Connection->write(message.data(), message.size());
+  Deadline const deadline(m_Connection->timeout);
+  std::string fault = m_Connection->write(header.data(), header.size(), deadline);
+  if (fault.empty()) fault = m_Connection->write(message.data(), message.size(), deadline);
   return fault.empty() || m_Connection->fail("send", fault);
 }
 
 bool ZuTcpSocket::receive(std::string& message) const {
   if (!isConnected()) return refuse("receive", "not connected");
-  std::array<char, theHeaderSize> header;
-  std::string fault = m_Connection->read(header.data(), header.size());
-  if (!fault.empty()) return m_Connection->fail("receive", fault);
-  std::uint64_t size = 0;
-  for (char const byte : header) size = size << 8 | static_cast<unsigned char>(byte);
-  if (size > ZuXmlReader::m_theMaximumDocumentSize) {
-    return m_Connection->fail("receive", "a message of " + std::to_string(size) + " bytes is refused");
+  std::string fault;
+  try {
+    fault = m_Connection->receive(message);
+  } catch (std::exception const& lackOfMemory) {
+    fault = lackOfMemory.what();
   }
-  std::string bytes;
-  while (bytes.size() < size) {
-    std::size_t const old = bytes.size();
-    bytes.resize(old + std::min<std::size_t>(theChunk, static_cast<std::size_t>(size) - old));
-    fault = m_Connection->read(bytes.data() + old, bytes.size() - old);
-    if (!fault.empty()) return m_Connection->fail("receive", fault);
-  }
-  message = std::move(bytes);
-  return true;
+  return fault.empty() || m_Connection->fail("receive", fault);
 }

@@ -29,5 +29,11 @@ class ZU_API ZuToken {
   bool operator<(ZuToken const& other) const { return *m_Text < *other.m_Text; }
 
  private:
+  friend class ZuXmlReader;
+  /// The pool's copy of the text; null when no token of that name has been made.
+  static std::string const* pooled(std::string_view text);
+  /// A text that is not in the pool makes a token that differs from every other and lives as long as the text.
+  explicit ZuToken(std::string const* text) : m_Text(text) {}
+
   std::string const* m_Text;
 };

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <exception>
 #include <utility>
 
 #include "foundation/zuBaseExpressionTreeElement.h"
@@ -14,16 +15,26 @@
 
 namespace {
 
+bool refuse(std::string const& fileName, char const* why) {
+  Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuXmlBaseVariableCompoundType::processLibraries-->%s: %s",
+                              fileName.c_str(), why != nullptr ? why : "it can't be loaded");
+  return false;
+}
+
 bool loadLibrary(std::string const& fileName, ZuXmlBaseVariableCompoundType& container) {
+  if (fileName.empty()) return refuse("\"\"", "no file name");  // for dlopen it would be the program itself
   void* const library = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
-  void* const symbol = library != nullptr ? dlsym(library, "zuRegisterCreators") : nullptr;
+  if (library == nullptr) return refuse(fileName, dlerror());
+  void* const symbol = dlsym(library, "zuRegisterCreators");
   if (symbol == nullptr) {
-    char const* const why = dlerror();
-    Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuXmlBaseVariableCompoundType::processLibraries-->%s: %s",
-                                fileName.c_str(), why != nullptr ? why : "no zuRegisterCreators()");
-    return false;
+    dlclose(library);
+    return refuse(fileName, "it has no zuRegisterCreators()");
   }
-  reinterpret_cast<void (*)(ZuXmlBaseVariableCompoundType*)>(symbol)(&container);
+  try {
+    reinterpret_cast<void (*)(ZuXmlBaseVariableCompoundType*)>(symbol)(&container);
+  } catch (std::exception const& fault) {
+    return refuse(fileName, fault.what());
+  }
   return true;
 }
 
@@ -116,7 +127,7 @@ void ZuXmlBaseVariableCompoundType::xmlInit() {
 bool ZuXmlBaseVariableCompoundType::read(ZuXmlReader& reader) {
   ZuXmlReadScope const scope(reader);
   std::vector<Element> elements;
-  for (bool more = reader.firstChild(); more; more = reader.nextSibling()) {
+  for (bool more = reader.firstItem(); more; more = reader.nextSibling()) {
     if (!readElement(reader, elements)) return reader.refuseSilently();
   }
   if (reader.refused()) return false;
@@ -130,11 +141,13 @@ bool ZuXmlBaseVariableCompoundType::readElement(ZuXmlReader& reader, std::vector
   ZuToken const token = reader.token();
   adopt(*object);
   if (!object->read(reader)) return false;
+  object->setSpecified(true);
   elements.push_back({token, std::move(object)});
   return true;
 }
 
 bool ZuXmlBaseVariableCompoundType::write(ZuXmlWriter& writer) const {
+  if (writer.failed()) return false;
   for (Element const& element : m_Elements) {
     writer.open(element.token);
     if (!element.object->write(writer)) return false;
@@ -150,6 +163,7 @@ bool ZuXmlBaseVariableCompoundType::writeSchema(ZuXmlSchema& schema) const {
   schema.beginGroup("choice", 0, ZuXmlSchema::m_theUnbounded);
   for (auto const& entry : m_Creators) {
     std::unique_ptr<ZuXmlObject> const sample(newObjectFromToken(entry.first));
+    if (!sample) continue;
     schema.beginElement(entry.first, 1, 1);
     const_cast<ZuXmlBaseVariableCompoundType*>(this)->adopt(*sample);
     sample->writeSchema(schema);

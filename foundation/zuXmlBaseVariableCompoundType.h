@@ -36,7 +36,8 @@ class ZU_API ZuXmlBaseVariableCompoundType : public ZuXmlClass<ZuXmlBaseVariable
   /// Prints a message and returns null for an index past the end.
   ZuXmlObject const* element(std::size_t index) const;
   ZuXmlObject* element(std::size_t index);
-  /// Takes over a non-null object; its element name is that of its class, found among the registered ones.
+  /// Takes over the object, if it is not null. Only under the name that its class is registered under can it be read
+  /// back.
   void append(std::unique_ptr<ZuXmlObject> element, ZuToken const& token);
   void clear();
 
@@ -44,7 +45,8 @@ class ZU_API ZuXmlBaseVariableCompoundType : public ZuXmlClass<ZuXmlBaseVariable
 
   /// Registers a class under the name, in place of the one that may be there.
   virtual void registerComponentCreator(ZuToken const& token, Creator creator);
-  /// A new object of the class registered under the name, owned by the caller; null when the name is unknown.
+  /// A new object of the class registered under the name, owned by the caller; null when the name is unknown. Costs
+  /// O(log n) comparisons of names.
   virtual ZuXmlObject* newObjectFromToken(ZuToken const& token) const;
   virtual std::map<ZuToken, Creator> const& creatorMap() const;
 

@@ -1,29 +1,11 @@
 #include "foundation/zuXmlCompoundType.h"
 
-#include <cxxabi.h>
-
-#include <cctype>
-#include <cstdlib>
-#include <typeinfo>
-
 #include "foundation/zuXmlObjectVisitor.h"
 #include "foundation/zuXmlReader.h"
 #include "foundation/zuXmlSchema.h"
 #include "foundation/zuXmlWriter.h"
 
 namespace {
-
-/// The name of the object's class, as a name of XML: for ZuXmlMapType<A, B> it is ZuXmlMapType_A__B_.
-std::string schemaTypeName(ZuXmlObject const& object) {
-  int status = 0;
-  std::unique_ptr<char, void (*)(void*)> const readable(
-      abi::__cxa_demangle(typeid(object).name(), nullptr, nullptr, &status), std::free);
-  std::string name(status == 0 ? readable.get() : typeid(object).name());
-  for (char& c : name) {
-    if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
-  }
-  return name;
-}
 
 void writeSchemaOf(ZuXmlComponentMap const& map, ZuXmlSchema& schema) {
   for (ZuXmlComponent const& component : map.components()) {
@@ -57,11 +39,6 @@ ZuXmlComponent const* ZuXmlComponentMap::find(std::string_view name) const {
   return nullptr;
 }
 
-void ZuXmlCompoundType::dropBindings() {
-  delete m_Bindings;
-  m_Bindings = nullptr;
-}
-
 void ZuXmlCompoundType::accept(ZuXmlObjectVisitor* visitor) {
   if (visitor == nullptr || !visitor->visit(*this)) return;
   for (ZuXmlComponent const& component : attributeComponentMap().components()) component.object->accept(visitor);
@@ -70,7 +47,9 @@ void ZuXmlCompoundType::accept(ZuXmlObjectVisitor* visitor) {
 }
 
 void ZuXmlCompoundType::xmlInit() {
-  bindings();
+  specialDescriptorMap();
+  for (ZuXmlComponent const& component : attributeComponentMap().components()) component.object->xmlInit();
+  for (ZuXmlComponent const& component : componentMap().components()) component.object->xmlInit();
   setXmlInitialized(true);
 }
 
@@ -87,10 +66,13 @@ bool ZuXmlCompoundType::readIntoFreshObject(ZuXmlReader& reader) {
   return true;
 }
 
-bool ZuXmlCompoundType::write(ZuXmlWriter& writer) const { return writeAttributes(writer) && writeElements(writer); }
+bool ZuXmlCompoundType::write(ZuXmlWriter& writer) const {
+  // The check ends the recursion where the nesting became too deep.
+  return !writer.failed() && writeAttributes(writer) && writeElements(writer);
+}
 
 bool ZuXmlCompoundType::writeSchema(ZuXmlSchema& schema) const {
-  if (!schema.beginType(schemaTypeName(*this))) return true;
+  if (!schema.beginType(*this)) return true;
   schema.beginGroup("sequence");
   bool const described = writeSchemaElements(schema);
   schema.endGroup();
@@ -100,12 +82,17 @@ bool ZuXmlCompoundType::writeSchema(ZuXmlSchema& schema) const {
 }
 
 bool ZuXmlCompoundType::readAttributes(ZuXmlReader& reader) {
+  std::vector<bool> seen;
   for (bool more = reader.firstAttribute(); more; more = reader.nextAttribute()) {
     ZuXmlComponent const* const component = attributeComponentMap().find(reader.name());
     if (component == nullptr) {
       return reader.refuse("unknown attribute \"%.64s\"", std::string(reader.name()).c_str());
     }
-    if (!readAttributeFromToken(component->token, reader)) return false;
+    auto const index = static_cast<std::size_t>(component - attributeComponentMap().components().data());
+    seen.resize(attributeComponentMap().components().size());
+    if (seen[index]) return reader.refuse("a second attribute \"%s\"", component->token.token().c_str());
+    seen[index] = true;
+    if (!readAttributeFromToken(component->token, reader)) return reader.refuseSilently();
   }
   return !reader.refused();
 }
@@ -157,9 +144,10 @@ bool ZuXmlCompoundType::writeSchemaAttributes(ZuXmlSchema& schema) const {
 bool ZuXmlCompoundType::writeSchemaElements(ZuXmlSchema& schema) const {
   writeSchemaOf(componentMap(), schema);
   if (specialDescriptorMap().empty()) return true;
-  schema.beginGroup("choice", 0, 1);
+  schema.beginGroup("choice", 0, ZuXmlSchema::m_theUnbounded);
   for (auto const& [token, creator] : specialDescriptorMap()) {
-    std::unique_ptr<ZuXmlObject> const sample(creator());
+    std::unique_ptr<ZuXmlObject> const sample(creator != nullptr ? creator() : nullptr);
+    if (!sample) continue;
     schema.beginElement(token, 1, 1);
     sample->writeSchema(schema);
     schema.endElement();
@@ -255,6 +243,13 @@ ZuXmlCompoundType::Bindings& ZuXmlCompoundType::bindings() const {
     m_Bindings->attributes.reset(newComponentMap());
     // The table holds addresses for reading and for writing; a const object is only ever written through it.
     const_cast<ZuXmlCompoundType*>(this)->registerComponents();
+    const_cast<ZuXmlCompoundType*>(this)->setXmlInitialized(true);
   }
   return *m_Bindings;
+}
+
+void ZuXmlCompoundType::dropBindings() {
+  delete m_Bindings;
+  m_Bindings = nullptr;
+  ZuXmlCompoundType::setXmlInitialized(false);
 }

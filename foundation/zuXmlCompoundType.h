@@ -105,7 +105,7 @@ class ZU_API ZuXmlCompoundType : public ZuXmlObject {
   virtual bool isReadOnlyAttribute(ZuToken const& token) const;
 
  protected:
-  /// For createSpecialDescriptorMap().
+  /// For createSpecialDescriptorMap(): an object of the creator tells what the element holds.
   void addSpecialDescriptor(ZuToken const& token, ZuXmlObject* (*creator)());
 
  private:

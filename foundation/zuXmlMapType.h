@@ -5,7 +5,9 @@
 #include <map>
 #include <utility>
 
+#include "foundation/zuPrint.h"
 #include "foundation/zuXmlCompoundType.h"
+#include "foundation/zuXmlObjectVisitor.h"
 #include "foundation/zuXmlReader.h"
 #include "foundation/zuXmlSchema.h"
 #include "foundation/zuXmlWriter.h"
@@ -19,8 +21,15 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
  public:
   ZuXmlMapType() = default;
 
-  /// Adds the value under the key, in place of the one that may be there.
-  void add(K const& key, V const& value) { m_Entries.insert_or_assign(key, value); }
+  /// Adds the value under the key, in place of the one that may be there. A NaN is no key: it prints a message, and
+  /// nothing is added.
+  void add(K const& key, V const& value) {
+    if (key == key) {
+      m_Entries.insert_or_assign(key, value);
+    } else {
+      Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuXmlMapType::add-->a key that is not a number");
+    }
+  }
   void clear() { m_Entries.clear(); }
   /// Copies the value of the key into `value`; false, and `value` is unchanged, when the key is not there.
   bool lookup(K const& key, V& value) const {
@@ -51,13 +60,25 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
   bool operator==(ZuXmlMapType const& other) const { return m_Entries == other.m_Entries; }
 
   // See ZuXmlObject
+  /// Shows the values; a key is not to be changed.
+  void accept(ZuXmlObjectVisitor* visitor) override {
+    if (visitor == nullptr || !visitor->visit(*this)) return;
+    for (auto& entry : m_Entries) entry.second.accept(visitor);
+    visitor->leave(*this);
+  }
+  void xmlInit() override {
+    for (auto& entry : m_Entries) entry.second.xmlInit();
+    this->setXmlInitialized(true);
+  }
   bool read(ZuXmlReader& reader) override {
     ZuXmlReadScope const scope(reader);
     std::map<K, V> entries;
-    for (bool more = reader.firstChild(); more; more = reader.nextSibling()) {
+    for (bool more = reader.firstItem(); more; more = reader.nextSibling()) {
       Entry entry;
       if (reader.name() != "entry") return reader.refuse("an element other than <entry>");
       if (!entry.read(reader)) return reader.refuseSilently();
+      if (!(entry.key == entry.key)) return reader.refuse("a key that is not a number");
+      entry.value.setSpecified(true);
       if (!entries.emplace(entry.key, entry.value).second) return reader.refuse("a key stands there twice");
     }
     if (reader.refused()) return false;
@@ -65,6 +86,7 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
     return true;
   }
   bool write(ZuXmlWriter& writer) const override {
+    if (writer.failed()) return false;
     for (auto const& [key, value] : m_Entries) {
       writer.open("entry");
       writer.open("key");
@@ -78,8 +100,7 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
     return !writer.failed();
   }
   bool writeSchema(ZuXmlSchema& schema) const override {
-    std::string const entryType = "entry_" + K::classToken().token() + "_" + V::classToken().token();
-    if (!schema.beginType("map_" + entryType)) return true;
+    if (!schema.beginType(*this)) return true;
     schema.beginGroup("sequence");
     schema.beginElement("entry", 0, ZuXmlSchema::m_theUnbounded);
     Entry().writeSchema(schema);

@@ -25,7 +25,8 @@ class ZuXmlWriter;
 ///    defaults; or it returns false, one line has been printed, and the object is unchanged.
 /// 2. Nesting, sizes and numbers are checked against the limits of ZuXmlReader and of the transport.
 ///
-/// An object may be written by one thread at a time, since the first write builds its table of components.
+/// An object is written by one thread at a time, since the first write builds its table of components; after xmlInit(),
+/// and until it is changed, by any number.
 class ZU_API ZuXmlObject {
  public:
   virtual ~ZuXmlObject() = default;
@@ -36,7 +37,8 @@ class ZU_API ZuXmlObject {
   virtual ZuXmlObject* clone() const = 0;
   /// True when the class passes its own consistency checks; costs a document written and read.
   virtual bool selfTest() const = 0;
-  /// Does now what the first XML use would do: builds the table of components.
+  /// Does now, for the object and all that it consists of, what the first XML use would do: builds the tables of
+  /// components.
   virtual void xmlInit();
 
   /// Reads the content of the reader's current element.
@@ -51,7 +53,8 @@ class ZU_API ZuXmlObject {
   virtual bool createSchema(std::string const& fileName, ZuToken const& root) const;
 
   // Whole documents. `name` tells the document in messages; `root` is the name of the root element when writing, any
-  // root name is accepted when reading.
+  // root name is accepted when reading. A document that reading would refuse for its size or nesting is not written. A
+  // file that is written is there whole or not at all: it takes the place of the old one when it is complete.
   virtual bool readFromStream(std::istream& stream, std::string const& name);
   virtual bool writeToStream(std::ostream& stream, std::string const& name, ZuToken const& root) const;
   /// Takes any of the three forms below and tells them apart by their first bytes.
@@ -60,9 +63,9 @@ class ZU_API ZuXmlObject {
   virtual bool writeToFile(std::string const& fileName, ZuToken const& root) const;
   virtual bool readFromFilePlain(std::string const& fileName);
   virtual bool writeToFilePlain(std::string const& fileName, ZuToken const& root) const;
-  /// The first compressed form: gzip (RFC 1952).
+  /// The first compressed form: gzip (RFC 1952), one member.
   virtual bool readFromFileWithCompression(std::string const& fileName);
-  /// The second compressed form: Zstandard (RFC 8878).
+  /// The second compressed form: Zstandard (RFC 8878), one frame.
   virtual bool readFromFileWithCompression2(std::string const& fileName);
   virtual bool writeToFileWithCompression(std::string const& fileName, ZuToken const& root) const;
   virtual bool writeToFileWithCompression2(std::string const& fileName, ZuToken const& root) const;
@@ -76,6 +79,7 @@ class ZU_API ZuXmlObject {
   /// Sends one message; compression 0 sends the plain form, 1 the first compressed form, 2 the second.
   virtual bool writeToTcpSocket(ZuTcpSocket const* socket, ZuToken const& root, int compression) const;
 
+  /// True when the object's own table of components has been built; a copy's has not.
   virtual bool xmlInitialized() const;
   virtual void setXmlInitialized(bool initialized);
   /// True when the last document that was read had this object in it.
@@ -99,8 +103,11 @@ class ZU_API ZuXmlObject {
 
  protected:
   ZuXmlObject() = default;
-  ZuXmlObject(ZuXmlObject const&) = default;
-  ZuXmlObject& operator=(ZuXmlObject const&) = default;
+  ZuXmlObject(ZuXmlObject const& other) : m_Specified(other.m_Specified) {}
+  ZuXmlObject& operator=(ZuXmlObject const& other) {
+    m_Specified = other.m_Specified;
+    return *this;
+  }
 
  private:
   bool m_XmlInitialized = false;

@@ -10,14 +10,22 @@
 
 /// Parses a document and walks over it, one element at a time.
 ///
-/// The document is UTF-8; entities other than the five of XML are not expanded and nothing outside the document is ever
-/// opened. Everything that is wrong with a document is told by one line, that of the first fault, and ends the reading.
+/// The document is XML 1.0 in UTF-8. A document type declaration is passed over: only the five entities of XML itself
+/// and character references are replaced, any other reference refuses the document, and nothing outside the document is
+/// ever opened. Everything that is wrong with a document is told by one line, that of the first fault, and ends the
+/// reading.
 class ZU_API ZuXmlReader {
  public:
   /// Elements inside elements: beyond this a document is refused, so that reading it can't exhaust the stack.
   static constexpr unsigned int m_theMaximumNesting = 256;
   /// Bytes of a plain document, also after decompression: beyond this a document is refused.
   static constexpr std::size_t m_theMaximumDocumentSize = std::size_t{1} << 30;
+  /// Signs '<' and '=' in a document, of which every tag and every attribute has one: beyond this it is refused. The
+  /// parsed form takes up to 128 bytes for each, so 2 GiB at most; a list of 8 million vectors has as many.
+  static constexpr std::size_t m_theMaximumMarkup = std::size_t{1} << 24;
+
+  /// Numbers that one element may be read into at once: those of a 4x4 matrix.
+  static constexpr unsigned int m_theMaximumReals = 16;
 
   /// The name tells the document in messages.
   explicit ZuXmlReader(std::string const& documentName = "buffer");
@@ -25,23 +33,28 @@ class ZU_API ZuXmlReader {
   ZuXmlReader(ZuXmlReader const&) = delete;
   ZuXmlReader& operator=(ZuXmlReader const&) = delete;
 
-  /// Parses the document and stands on its root element; prints the fault and returns false when it is not well formed.
-  bool open(std::string text);
+  /// Parses the document, which must outlive the reader, and stands on its root element; prints the fault and returns
+  /// false when it is not well formed.
+  bool open(std::string_view document);
 
   // The current element, or the current attribute of it.
 
   std::string_view name() const;
-  ZuToken token() const { return ZuToken(name()); }
-  /// Line of the current element in the document; the first is 1, 0 before open().
+  /// The token of that name. Names that the process has no token of are not kept: such a token differs from every other
+  /// one, and is valid as long as the reader.
+  ZuToken token();
+  /// Line of the current element in the document; the first is 1, 0 before open(). Costs a pass over the document.
   unsigned int line() const;
   /// The character data of the current element or the value of the current attribute; valid until the next call. An
-  /// element inside refuses the document.
+  /// element inside, or an attribute of the element, refuses the document.
   std::string_view text();
 
   // The cursor. Text between elements refuses the document.
 
   /// Moves to the first element inside the current one; false, and the cursor stays, when there is none.
   bool firstChild();
+  /// The same for an element that holds no attributes: one of them refuses the document.
+  bool firstItem() { return hasNoAttributes() && firstChild(); }
   /// Moves to the next element beside the current one; false when there is none or the document has been refused, and
   /// then the cursor is on the enclosing element again.
   bool nextSibling();
@@ -50,8 +63,10 @@ class ZU_API ZuXmlReader {
   bool firstAttribute();
   bool nextAttribute();
 
-  // Numbers, separated by white space, from text(). All refuse the document when the text is not exactly that.
+  // Numbers, separated by white space, from text(). All refuse the document, and the values are unchanged, when the
+  // text is not exactly that.
 
+  /// Not more than m_theMaximumReals; more refuse the document.
   bool readReals(double* values, unsigned int count);
   bool readInteger(long long lowest, long long highest, long long& value);
   bool readBool(bool& value);
@@ -65,10 +80,17 @@ class ZU_API ZuXmlReader {
  private:
   friend class ZuXmlReadScope;
   struct Cursor;
+  bool checkText();
+  bool parse();
+  bool refuseAt(std::size_t offset, char const* why);
+  bool appendDecoded(std::string_view raw);
+  std::string_view decoded(std::string_view raw);
+  std::string_view joinedText();
+  bool hasNoAttributes();
   bool atElement();
 
   std::string m_DocumentName;
-  std::string m_Text;
+  std::string_view m_Document;
   std::unique_ptr<Cursor> m_Cursor;
   unsigned int m_OpenObjects = 0;
   bool m_Refused = false;

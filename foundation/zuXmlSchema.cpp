@@ -1,5 +1,14 @@
 #include "foundation/zuXmlSchema.h"
 
+#include <cxxabi.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <memory>
+#include <typeinfo>
+
+#include "foundation/zuXmlObject.h"
+
 namespace {
 
 std::string occurrence(unsigned int lowest, unsigned int highest) {
@@ -10,15 +19,27 @@ std::string occurrence(unsigned int lowest, unsigned int highest) {
   return text;
 }
 
-char const* const theHead = R"(<?xml version="1.0" encoding="UTF-8"?>
+/// The name of the object's class, as a name of XML: for ZuXmlMapType<A, B> it is ZuXmlMapType_A__B_.
+std::string className(ZuXmlObject const& object) {
+  int status = 0;
+  std::unique_ptr<char, void (*)(void*)> const readable(
+      abi::__cxa_demangle(typeid(object).name(), nullptr, nullptr, &status), std::free);
+  std::string name(status == 0 ? readable.get() : typeid(object).name());
+  for (char& c : name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+  }
+  return name;
+}
+
+char const* const theHead = R"xsd(<?xml version="1.0" encoding="UTF-8"?>
 <xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">
-<xs:simpleType name="real"><xs:union memberTypes="xs:double"><xs:simpleType><xs:restriction base="xs:token">
-<xs:pattern value="[+\-]?inf|-?nan(\(0x[0-9a-f]+\))?"/></xs:restriction></xs:simpleType></xs:union></xs:simpleType>
+<xs:simpleType name="real"><xs:restriction base="xs:token"><xs:pattern
+ value="[+\-]?(([0-9]+(\.[0-9]*)?|\.[0-9]+)([eE][+\-]?[0-9]+)?|inf|nan(\(0x[0-9a-fA-F]+\))?)"/></xs:restriction></xs:simpleType>
 <xs:simpleType name="realList"><xs:list itemType="real"/></xs:simpleType>
 <xs:simpleType name="realPair"><xs:restriction base="realList"><xs:length value="2"/></xs:restriction></xs:simpleType>
 <xs:simpleType name="realTriple"><xs:restriction base="realList"><xs:length value="3"/></xs:restriction></xs:simpleType>
 <xs:simpleType name="realQuadruple"><xs:restriction base="realList"><xs:length value="4"/></xs:restriction></xs:simpleType>
-)";
+)xsd";
 
 }  // namespace
 
@@ -29,6 +50,13 @@ bool ZuXmlSchema::beginType(std::string const& name) {
   if (!m_Types.emplace(name, std::string()).second) return false;
   m_OpenTypes.push_back(name);
   return true;
+}
+
+bool ZuXmlSchema::beginType(ZuXmlObject const& object) {
+  auto const [entry, isNew] = m_ClassNames.emplace(typeid(object), className(object));
+  while (isNew && m_Types.count(entry->second) != 0)
+    entry->second += '_';  // another class of that name, in another file
+  return beginType(entry->second);
 }
 
 void ZuXmlSchema::endType() {

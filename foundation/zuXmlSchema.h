@@ -3,10 +3,13 @@
 
 #include <map>
 #include <string>
+#include <typeindex>
 #include <vector>
 
 #include "foundation/zuExport.h"
 #include "foundation/zuToken.h"
+
+class ZuXmlObject;
 
 /// Builds an XSD 1.0 schema while objects describe themselves through ZuXmlObject::writeSchema.
 ///
@@ -22,6 +25,8 @@ class ZU_API ZuXmlSchema {
 
   /// Content is the named type. True when its description is to follow, up to endType(); false when it is known.
   bool beginType(std::string const& name);
+  /// The same for the type of the object's class, whose name is made from that of the class.
+  bool beginType(ZuXmlObject const& object);
   void endType();
 
   /// Opens a group of elements inside a type: "sequence" or "choice".
@@ -41,6 +46,7 @@ class ZU_API ZuXmlSchema {
   std::string& out() { return m_Types[m_OpenTypes.back()]; }
 
   std::map<std::string, std::string> m_Types;
+  std::map<std::type_index, std::string> m_ClassNames;
   std::vector<std::string> m_OpenTypes;
   std::vector<std::string> m_OpenElements;
   std::vector<std::string> m_OpenGroups;

@@ -45,21 +45,27 @@ class ZU_API ZuXmlVectorType : public ZuXmlClass<ZuXmlVectorType<T>, ZuXmlObject
     for (T& item : m_Items) item.accept(visitor);
     visitor->leave(*this);
   }
+  void xmlInit() override {
+    for (T& item : m_Items) item.xmlInit();
+    this->setXmlInitialized(true);
+  }
   bool read(ZuXmlReader& reader) override {
     ZuXmlReadScope const scope(reader);
     std::vector<T> items;
-    for (bool more = reader.firstChild(); more; more = reader.nextSibling()) {
+    for (bool more = reader.firstItem(); more; more = reader.nextSibling()) {
       if (reader.name() != T::classToken().token()) {
         return reader.refuse("an element other than <%s>", T::classToken().token().c_str());
       }
       items.emplace_back();
       if (!items.back().read(reader)) return reader.refuseSilently();
+      items.back().setSpecified(true);
     }
     if (reader.refused()) return false;
     m_Items = std::move(items);
     return true;
   }
   bool write(ZuXmlWriter& writer) const override {
+    if (writer.failed()) return false;
     for (T const& item : m_Items) {
       writer.open(T::classToken());
       if (!item.write(writer)) return false;
@@ -68,7 +74,7 @@ class ZU_API ZuXmlVectorType : public ZuXmlClass<ZuXmlVectorType<T>, ZuXmlObject
     return !writer.failed();
   }
   bool writeSchema(ZuXmlSchema& schema) const override {
-    if (!schema.beginType("list_of_" + T::classToken().token())) return true;
+    if (!schema.beginType(*this)) return true;
     schema.beginGroup("sequence");
     schema.beginElement(T::classToken(), 0, ZuXmlSchema::m_theUnbounded);
     T().writeSchema(schema);

@@ -10,7 +10,7 @@
 bool ZuXmlVectorVector::read(ZuXmlReader& reader) {
   std::vector<ZuVector> vectors;
   double values[3];
-  for (bool more = reader.firstChild(); more; more = reader.nextSibling()) {
+  for (bool more = reader.firstItem(); more; more = reader.nextSibling()) {
     if (reader.name() != ZuXmlVector::classToken().token()) return reader.refuse("an element other than <vector>");
     if (!reader.readReals(values, 3)) return false;
     vectors.emplace_back(values[0], values[1], values[2]);
@@ -31,7 +31,7 @@ bool ZuXmlVectorVector::write(ZuXmlWriter& writer) const {
 }
 
 bool ZuXmlVectorVector::writeSchema(ZuXmlSchema& schema) const {
-  if (!schema.beginType("list_of_vector")) return true;
+  if (!schema.beginType(*this)) return true;
   schema.beginGroup("sequence");
   schema.beginElement(ZuXmlVector::classToken(), 0, ZuXmlSchema::m_theUnbounded);
   schema.simple("realTriple");

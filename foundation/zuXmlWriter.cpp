@@ -1,28 +1,32 @@
 #include "foundation/zuXmlWriter.h"
 
+#include <algorithm>
+#include <cstdio>
+
 #include "foundation/zuPrint.h"
-#include "foundation/zuXmlNumbers.h"
+#include "foundation/zuXmlCharactersPrivate.h"
+#include "foundation/zuXmlNumbersPrivate.h"
 #include "foundation/zuXmlReader.h"
 
 namespace {
 
-/// Bytes of the UTF-8 sequence at the front of the text; 0 when it is none, or one that XML 1.0 can't carry.
-unsigned int characterLength(std::string_view text) {
-  auto const byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-  auto const follows = [&](std::size_t i) { return (byte(i) & 0xC0U) == 0x80U; };
-  unsigned int const lead = byte(0);
-  if (lead < 0x80U) return lead >= 0x20U || lead == '\t' || lead == '\n' || lead == '\r' ? 1 : 0;
-  if (lead >= 0xC2U && lead <= 0xDFU) return follows(1) ? 2 : 0;
-  if (lead >= 0xE0U && lead <= 0xEFU && follows(1) && follows(2)) {
-    unsigned int const code = (lead & 0xFU) << 12 | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
-    bool const surrogate = code >= 0xD800U && code <= 0xDFFFU;
-    return code >= 0x800U && !surrogate && code < 0xFFFEU ? 3 : 0;
+char const* reference(char character) {
+  switch (character) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\r':
+      return "&#13;";
+    case '\n':
+      return "&#10;";
+    default:
+      return "&#9;";
   }
-  if (lead >= 0xF0U && lead <= 0xF4U && follows(1) && follows(2) && follows(3)) {
-    unsigned int const top = (lead & 0x7U) << 2 | (byte(1) & 0x30U) >> 4;
-    return top >= 1 && top <= 0x10U ? 4 : 0;
-  }
-  return 0;
 }
 
 }  // namespace
@@ -33,14 +37,11 @@ void ZuXmlWriter::declaration() { m_Out += "<?xml version=\"1.0\" encoding=\"UTF
 
 void ZuXmlWriter::open(ZuToken const& name) {
   if (m_Suppressed > 0 || m_Open.size() >= ZuXmlReader::m_theMaximumNesting) {
-    if (!m_Failed) {
-      Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuXmlWriter::open-->elements nested more than %u deep",
-                                  ZuXmlReader::m_theMaximumNesting);
-    }
-    m_Failed = true;
+    fail("open", "elements nested more than " + std::to_string(ZuXmlReader::m_theMaximumNesting) + " deep");
     ++m_Suppressed;
     return;
   }
+  checkName(name);
   endStartTag();
   newLine();
   m_Out += '<';
@@ -67,6 +68,7 @@ void ZuXmlWriter::close() {
 }
 
 void ZuXmlWriter::beginAttribute(ZuToken const& name) {
+  checkName(name);
   m_Out += ' ';
   m_Out += name.token();
   m_Out += "=\"";
@@ -81,40 +83,18 @@ void ZuXmlWriter::endAttribute() {
 void ZuXmlWriter::text(std::string_view text) {
   if (m_Suppressed > 0) return;
   if (!m_InAttribute) endStartTag();
-  while (!text.empty()) {
-    unsigned int const length = characterLength(text);
-    if (length == 0) {
-      Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuXmlWriter::text-->XML can't carry the byte 0x%02x",
-                                  static_cast<unsigned int>(static_cast<unsigned char>(text[0])));
-      m_Failed = true;
-      return;
-    }
-    switch (text[0]) {
-      case '&':
-        m_Out += "&amp;";
-        break;
-      case '<':
-        m_Out += "&lt;";
-        break;
-      case '>':
-        m_Out += "&gt;";
-        break;
-      case '"':
-        m_Out += "&quot;";
-        break;
-      case '\r':
-        m_Out += "&#13;";
-        break;
-      case '\n':
-        m_Out += m_InAttribute ? "&#10;" : "\n";
-        break;
-      case '\t':
-        m_Out += m_InAttribute ? "&#9;" : "\t";
-        break;
-      default:
-        m_Out.append(text.data(), length);
-    }
-    text.remove_prefix(length);
+  std::size_t markup = 0;
+  std::size_t const fault = zuXmlFindFault(text, markup);
+  if (fault < text.size()) {
+    char why[64];
+    std::snprintf(why, sizeof why, "XML can't carry the byte 0x%02x", static_cast<unsigned char>(text[fault]));
+    return fail("text", why);
+  }
+  for (std::size_t begin = 0; begin < text.size();) {
+    std::size_t const end = std::min(text.find_first_of(m_InAttribute ? "&<>\"\r\n\t" : "&<>\r", begin), text.size());
+    m_Out.append(text, begin, end - begin);
+    if (end < text.size()) m_Out += reference(text[end]);
+    begin = end + 1;
   }
 }
 
@@ -128,6 +108,15 @@ void ZuXmlWriter::reals(double const* values, unsigned int count) {
 }
 
 void ZuXmlWriter::integer(long long value) { text(std::to_string(value)); }
+
+void ZuXmlWriter::checkName(ZuToken const& name) {
+  if (!zuXmlIsName(name.token())) fail("open", '"' + name.token() + "\" is no name of XML");
+}
+
+void ZuXmlWriter::fail(char const* function, std::string const& why) {
+  if (!m_Failed) Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuXmlWriter::%s-->%s", function, why.c_str());
+  m_Failed = true;
+}
 
 void ZuXmlWriter::endStartTag() {
   if (m_InStartTag) m_Out += '>';

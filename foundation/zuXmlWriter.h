@@ -9,6 +9,9 @@
 #include "foundation/zuToken.h"
 
 /// Appends a document, in UTF-8, to a string. Elements that hold elements are indented, text is written as it is.
+///
+/// The first thing that XML or ZuXmlReader can't take (a control character, a byte that is not UTF-8, a name with a
+/// blank, too deep a nesting) prints one line and makes failed() true; what is written is then of no use.
 class ZU_API ZuXmlWriter {
  public:
   /// The string must outlive the writer.
@@ -16,15 +19,13 @@ class ZU_API ZuXmlWriter {
 
   /// The line before the root element.
   void declaration();
-  /// Opens an element; it may nest as deep as ZuXmlReader reads, beyond that nothing is written and failed() is true.
   void open(ZuToken const& name);
   void close();
   /// From here to endAttribute() text is the value of an attribute of the element just opened.
   void beginAttribute(ZuToken const& name);
   void endAttribute();
 
-  /// Escapes what XML reserves. A character that XML can't carry (a control character, a byte that is not UTF-8) prints
-  /// a message and makes failed() true.
+  /// Escapes what XML reserves, and what reading would take for other white space.
   void text(std::string_view text);
   /// Shortest texts that read back to the same doubles, separated by blanks.
   void reals(double const* values, unsigned int count);
@@ -33,6 +34,8 @@ class ZU_API ZuXmlWriter {
   bool failed() const { return m_Failed; }
 
  private:
+  void checkName(ZuToken const& name);
+  void fail(char const* function, std::string const& why);
   void endStartTag();
   void newLine();
 

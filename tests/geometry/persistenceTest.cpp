@@ -28,6 +28,7 @@
 #include "geometry/zuTriangle.h"
 #include "tests/allocationCounter.h"
 #include "tests/printSink.h"
+#include "tests/xmlSchemaCheck.h"
 
 namespace {
 
@@ -142,6 +143,14 @@ TYPED_TEST(Persistence, DocumentsReadBackToTheSameValueInEveryForm) {
   std::string again;
   ASSERT_TRUE(first->writeToBuffer(again, "root"));
   EXPECT_EQ(again, plain);
+}
+
+TYPED_TEST(Persistence, DocumentsValidateAgainstTheSchemaOfTheirClass) {
+  if (!xmllintIsInstalled()) GTEST_SKIP() << "xmllint is not installed";
+  TypeParam const sample = TypeParam::testObject();
+  std::string document;
+  ASSERT_TRUE(sample.writeToBuffer(document, "root"));
+  EXPECT_EQ(schemaFault(sample, document), "") << document;
 }
 
 TYPED_TEST(Persistence, ABadDocumentPrintsOneLineAndChangesNothing) {

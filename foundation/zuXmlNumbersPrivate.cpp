@@ -1,4 +1,4 @@
-#include "foundation/zuXmlNumbers.h"
+#include "foundation/zuXmlNumbersPrivate.h"
 
 #include <charconv>
 #include <cmath>
@@ -9,17 +9,13 @@
 namespace {
 
 constexpr std::uint64_t theMantissa = (std::uint64_t{1} << 52) - 1;
+constexpr std::uint64_t theExponent = std::uint64_t{0x7FF} << 52;  // of infinities and NaNs
+constexpr std::uint64_t theSign = std::uint64_t{1} << 63;
 
-std::uint64_t bitsOf(double value) {
+std::uint64_t bitsOf(double const& value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value, sizeof bits);
   return bits;
-}
-
-double doubleOf(std::uint64_t bits) {
-  double value = 0.0;
-  std::memcpy(&value, &bits, sizeof value);
-  return value;
 }
 
 void skipWhite(std::string_view& text) {
@@ -50,42 +46,51 @@ bool takeNan(std::string_view& text, bool negative, double& value) {
     text.remove_prefix(static_cast<std::size_t>(end - text.data()));
     if (error != std::errc() || mantissa == 0 || mantissa > theMantissa || !takeWord(text, ")")) return false;
   }
-  std::uint64_t const infinity = bitsOf(std::numeric_limits<double>::infinity());
-  value = doubleOf(infinity | mantissa | (negative ? std::uint64_t{1} << 63 : 0));
+  std::uint64_t const bits = theExponent | mantissa | (negative ? theSign : 0);
+  std::memcpy(&value, &bits, sizeof value);  // and never through a register that would quiet a signalling NaN
   return true;
+}
+
+bool takeFinite(std::string_view& text, double& value) {
+  auto const [after, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || !std::isfinite(value)) return false;
+  text.remove_prefix(static_cast<std::size_t>(after - text.data()));
+  return true;
+}
+
+/// What std::from_chars does not take as it is meant here: infinities, NaNs, and plus signs.
+bool takeOther(std::string_view& text, double& value) {
+  bool const negative = takeWord(text, "-");
+  bool const positive = !negative && takeWord(text, "+");
+  if (takeWord(text, "inf")) {
+    value = negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+    return true;
+  }
+  if (takeNan(text, negative, value)) return true;
+  return positive && text.substr(0, 1) != "-" && takeFinite(text, value);
 }
 
 }  // namespace
 
 bool zuXmlTakeReal(std::string_view& text, double& value) {
   skipWhite(text);
-  char const* const end = text.data() + text.size();
   double number = 0.0;
-  auto const [after, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && std::isfinite(number)) {
-    text.remove_prefix(static_cast<std::size_t>(after - text.data()));
-  } else {
-    bool const negative = takeWord(text, "-");
-    if (!negative) takeWord(text, "+");
-    if (takeWord(text, "inf")) {
-      number = negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
-    } else if (!takeNan(text, negative, number)) {
-      auto const [last, again] = std::from_chars(text.data(), text.data() + text.size(), number);
-      if (negative || again != std::errc() || !std::isfinite(number) || text[0] == '-') return false;
-      text.remove_prefix(static_cast<std::size_t>(last - text.data()));  // a number with a plus sign
-    }
-  }
-  if (!endsHere(text)) return false;
-  value = number;
+  if ((!takeFinite(text, number) && !takeOther(text, number)) || !endsHere(text)) return false;
+  std::memcpy(&value, &number, sizeof value);
   return true;
 }
 
 bool zuXmlTakeInteger(std::string_view& text, long long& value) {
   skipWhite(text);
-  auto const [after, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc()) return false;
-  text.remove_prefix(static_cast<std::size_t>(after - text.data()));
-  return endsHere(text);
+  std::string_view rest = text;
+  if (takeWord(rest, "+") && rest.substr(0, 1) == "-") return false;
+  long long number = 0;
+  auto const [after, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+  rest.remove_prefix(static_cast<std::size_t>(after - rest.data()));
+  if (error != std::errc() || !endsHere(rest)) return false;
+  text = rest;
+  value = number;
+  return true;
 }
 
 void zuXmlAppendReal(std::string& text, double value) {

@@ -1,4 +1,4 @@
-// zuXmlNumbers.h - numbers and white space in the text of documents. Group: XML objects.
+// zuXmlNumbersPrivate.h - numbers and white space in the text of documents. Group: XML objects.
 #pragma once
 
 #include <string>

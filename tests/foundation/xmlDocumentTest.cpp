@@ -1,0 +1,384 @@
+// What documents say and what objects hold: hostile documents, exact values, attributes, special elements, visitors.
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "tests/printSink.h"
+#include "tests/xmlSamples.h"
+
+namespace {
+
+std::string inZoo(std::string const& element) { return "<zoo>\n" + element + "\n</zoo>\n"; }
+
+std::string repeated(std::string const& text, std::size_t times) {
+  std::string all;
+  all.reserve(text.size() * times);
+  for (std::size_t i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+/// Reads the document into a container that holds something, and checks all that refusing means.
+void expectRefused(std::string const& document, std::string const& message) {
+  SCOPED_TRACE(document.substr(0, 200));
+  ZuXmlBaseVariableCompoundType target = zoo();
+  target.append(std::make_unique<Node>(Node::testObject()), Node::classToken());
+  std::string const before = documentOf(target);
+  PrintSink sink;
+  EXPECT_FALSE(target.readFromBuffer(document));
+  ASSERT_EQ(sink.messages().size(), 1U);
+  EXPECT_NE(sink.messages()[0].find(message), std::string::npos) << sink.messages()[0];
+  EXPECT_EQ(sink.messages()[0].find('\n'), std::string::npos);
+  EXPECT_EQ(documentOf(target), before);
+}
+
+}  // namespace
+
+TEST(XmlDocument, RefusesWhatIsNoValueAndNamesItsLine) {
+  struct {
+    std::string element;
+    std::string message;
+  } const theCases[] = {
+      {"<unknown/>", "line 2: unknown element <unknown>"},
+      {"<x:real>1</x:real>", "line 2: unknown element <x:real>"},
+      {"<real>1</real>text", "line 1: text between the elements of <zoo>"},
+      {"text<real>1</real>", "line 1: text between the elements of <zoo>"},
+      {"<node>text<weight>1</weight></node>", "line 2: text between the elements of <node>"},
+      {"<node>text</node>", "line 2: text between the elements of <node>"},
+      {"<node><![CDATA[text]]></node>", "line 2: text between the elements of <node>"},
+      {"<node>\n<weight>1</weight>\n<weight>1</weight></node>", "line 4: a second <weight>"},
+      {"<node>\n<length>1</length></node>", "line 3: unknown element <length>"},
+      {"<node name='a' name='b'/>", "line 2: a second attribute \"name\""},
+      {"<node size='1'/>", "line 2: unknown attribute \"size\""},
+      {"<real size='1'>1</real>", "line 2: unknown attribute \"size\""},
+      {"<points size='1'/>", "line 2: unknown attribute \"size\""},
+      {"<table size='1'/>", "line 2: unknown attribute \"size\""},
+      {"<real><x/></real>", "line 2: <x> inside <real>"},
+      {"<vector>1 <x/>2 3</vector>", "line 2: <x> inside <vector>"},
+      {"<vector/>", "line 2: <vector> is not 3 numbers"},
+      {"<vector>1 2</vector>", "line 2: <vector> is not 3 numbers"},
+      {"<vector>1 2 3 4</vector>", "line 2: <vector> is not 3 numbers"},
+      {"<vector>1,2,3</vector>", "line 2: <vector> is not 3 numbers"},
+      {"<points>\n<vector>0 0 0</vector>\n<point>0 0 0</point></points>", "line 4: an element other than <vector>"},
+      {"<nodes><real>1</real></nodes>", "line 2: an element other than <node>"},
+      {"<flag>yes</flag>", "line 2: <flag> is neither true nor false"},
+      {"<flag/>", "line 2: <flag> is neither true nor false"},
+      {"<unsigned>-1</unsigned>", "line 2: <unsigned> is not a whole number from 0 to 4294967295"},
+      {"<unsigned>4294967296</unsigned>", "line 2: <unsigned> is not a whole number"},
+      {"<unsigned>99999999999999999999</unsigned>", "line 2: <unsigned> is not a whole number"},
+      {"<short>65536</short>", "line 2: <short> is not a whole number from 0 to 65535"},
+      {"<int>1.5</int>", "line 2: <int> is not a whole number"},
+      {"<int>+-1</int>", "line 2: <int> is not a whole number"},
+      {"<int>1 2</int>", "line 2: <int> is not a whole number"},
+      {"<int/>", "line 2: <int> is not a whole number"},
+      {"<frame><orientation>0 0 0 0</orientation></frame>", "line 2: four numbers that are no orientation"},
+      {"<frame><orientation>nan 0 0 1</orientation></frame>", "line 2: four numbers that are no orientation"},
+      {"<map>\n<entry><key>a</key></entry>\n<entry><key>a</key></entry></map>", "line 4: a key stands there twice"},
+      {"<map><item/></map>", "line 2: an element other than <entry>"},
+      {"<table><entry><key>nan</key></entry></table>", "line 2: a key that is not a number"},
+      {"<text>&lol;</text>", "line 2: '&' before no character or entity"},
+      {"<text>a & b</text>", "line 2: '&' before no character or entity"},
+      {"<text>&#0;</text>", "line 2: '&' before no character or entity"},
+      {"<text>&#xD800;</text>", "line 2: '&' before no character or entity"},
+      {"<text>&#x110000;</text>", "line 2: '&' before no character or entity"},
+      {"<text>&#99999999999;</text>", "line 2: '&' before no character or entity"},
+      {"<text>&#x;</text>", "line 2: '&' before no character or entity"},
+      {"<node name='&#1;'/>", "line 2: '&' before no character or entity"},
+      {"<text>\n\x01</text>", "line 3: a byte that is no character of XML"},
+      {"<text>\xC0\xAF</text>", "line 2: a byte that is no character of XML"},
+      {std::string("<text>\0</text>", 14), "line 2: a byte that is no character of XML"},
+  };
+  for (auto const& theCase : theCases) expectRefused(inZoo(theCase.element), theCase.message);
+}
+
+TEST(XmlDocument, RefusesWhatIsNoNumber) {
+  for (char const* text : {"",
+                           " ",
+                           "1.0.0",
+                           "0x10",
+                           "1e999",
+                           "-1e999",
+                           "1,5",
+                           "1 2",
+                           "--1",
+                           "+-1",
+                           "-+1",
+                           "- 1",
+                           "1e",
+                           ".",
+                           "e5",
+                           "one",
+                           "1m",
+                           "infinity",
+                           "INF",
+                           "NaN",
+                           "nan(0x0)",
+                           "nan(0x",
+                           "nan(0x1",
+                           "nan()",
+                           "nan(0x10000000000000)",
+                           "nan(0xg)",
+                           "nan1",
+                           "inf1",
+                           "\xC2\xA0"
+                           "1"}) {
+    expectRefused(inZoo("<real>" + std::string(text) + "</real>"), "line 2: <real> is not a number");
+  }
+}
+
+TEST(XmlDocument, RefusesWhatIsNoDocument) {
+  std::size_t const deep = 100000;
+  struct {
+    std::string document;
+    std::string message;
+  } const theCases[] = {
+      {"", "no element"},
+      {" \n", "no element"},
+      {"<!-- nothing -->", "no element"},
+      {"text", "text outside the root element"},
+      {"<zoo/>\ntext", "text outside the root element"},
+      {"text<zoo/>", "text outside the root element"},
+      {"<zoo/><zoo/>", "a second root element"},
+      {"<zoo>\n<real>1</real>", "line 2: "},
+      {"<zoo>\n<real>1</int>\n</zoo>", "line 2: "},
+      {"<zoo>\n\n<", "line 3: "},
+      {"<zoo><!-- \n", "line "},
+      {"\xFF\xFE<\0z\0o\0o\0/\0>\0", "line 1: a byte that is no character of XML"},
+      {"<!DOCTYPE zoo [<!ENTITY l \"lol\"><!ENTITY m \"&l;&l;&l;&l;\">]>\n<zoo><text>&m;</text></zoo>",
+       "line 2: '&' before no character or entity"},
+      {repeated("<node>", deep) + repeated("</node>", deep), "elements nested more than 256 deep"},
+      {"<zoo>" + repeated("<node>", deep) + repeated("</node>", deep) + "</zoo>", "elements nested more than 256 deep"},
+      {repeated("<node>", deep), "line 1: "},
+      {"<zoo>" + repeated("<a/>", ZuXmlReader::m_theMaximumMarkup) + "</zoo>", "more elements and attributes"},
+  };
+  for (auto const& theCase : theCases) expectRefused(theCase.document, theCase.message);
+  Node node = Node::testObject();
+  PrintSink sink;
+  EXPECT_FALSE(node.readFromBuffer(theCases[13].document));
+  EXPECT_EQ(sink.messages().size(), 1U);
+  EXPECT_TRUE(node == Node::testObject());
+}
+
+TEST(XmlDocument, TakesTheSameValueInOtherWords) {
+  struct {
+    std::string element;
+    std::string inOtherWords;
+  } const theCases[] = {
+      {"<real>5</real>", "<real> +5.\t</real>"},
+      {"<real>0.5</real>", "<real>&#46;<!-- half -->5</real>"},
+      {"<int>7</int>", "<int>\r\n+7 </int>"},
+      {"<flag>true</flag>", "<flag> 1 </flag>"},
+      {"<vector>1 2 3</vector>", "<vector>\n1e0\r\n2.0\t3</vector>"},
+      {"<text>a&lt;b</text>", "<text><![CDATA[a<b]]></text>"},
+      {"<text>a&amp;lt;\xC3\xA9&quot;'</text>", "<text>a&#38;lt;&#xe9;\"&apos;</text>"},
+      {"<text>a  b</text>", "<text>a <!-- and -->&#32;b</text>"},
+      {"<text>a\nb</text>", "<text>a\r\nb</text>"},
+      {"<node name=\"a b\"><weight>2</weight></node>",
+       "<node kind='other' name='a\nb'><unit>g</unit><weight>2</weight></node>"},
+      {"<node/>", "<node xmlns='http://a.b' xmlns:x='y' x:name='z'><!-- nothing --></node>"},
+      {"<frame/>", "<frame><orientation>2 0 0 0</orientation></frame>"},
+      {"<node><node><weight>3</weight></node></node>", "<node><node><unit/><weight>3</weight></node>\n</node>"},
+  };
+  for (auto const& theCase : theCases) {
+    SCOPED_TRACE(theCase.inOtherWords);
+    ZuXmlBaseVariableCompoundType first = zoo();
+    ZuXmlBaseVariableCompoundType second = zoo();
+    ASSERT_TRUE(first.readFromBuffer(inZoo(theCase.element)));
+    ASSERT_TRUE(second.readFromBuffer("\xEF\xBB\xBF<?xml version='1.0'?><!DOCTYPE zoo SYSTEM 'zoo.dtd'>" +
+                                      inZoo(theCase.inOtherWords) + "<!-- end -->"));
+    EXPECT_TRUE(first == second) << documentOf(first) << documentOf(second);
+  }
+}
+
+TEST(XmlDocument, KeepsEveryBitOfEveryDouble) {
+  constexpr std::size_t theCount = 100002;
+  using Limits = std::numeric_limits<double>;
+  std::mt19937_64 engine(97);
+  std::vector<std::uint64_t> bits(theCount);
+  for (std::uint64_t& pattern : bits) pattern = engine();
+  double const special[] = {0.0,
+                            -0.0,
+                            DBL_MAX,
+                            -DBL_MAX,
+                            DBL_MIN,
+                            2 * DBL_MIN - 5e-324,
+                            5e-324,
+                            -5e-324,
+                            0.1,
+                            1e23,
+                            Limits::infinity(),
+                            -Limits::infinity(),
+                            Limits::quiet_NaN(),
+                            -Limits::quiet_NaN()};
+  std::memcpy(bits.data(), special, sizeof special);
+  bits[20] = 0x7FF0000000000001U;  // a signalling NaN with the smallest payload
+  bits[21] = 0xFFFFFFFFFFFFFFFFU;
+  ZuXmlVectorVector list;
+  list.resize(theCount / 3);
+  std::memcpy(static_cast<void*>(list.data()), bits.data(), theCount * sizeof(double));
+  ZuXmlVectorVector readBack;
+  ASSERT_TRUE(readBack.readFromBuffer(documentOf(list)));
+  ASSERT_EQ(readBack.size(), list.size());
+  EXPECT_EQ(std::memcmp(readBack.data(), bits.data(), theCount * sizeof(double)), 0);
+}
+
+TEST(XmlDocument, KeepsEveryStringThatXmlCanCarryAndRefusesTheOthers) {
+  for (char const* text : {"", " ", "\n", "\t \r\n\r", " a ", "a\rb", "<&>\"'", "]]>", "&amp;", "&#13;", "<!-- -->",
+                           "\xC3\xA9\xE2\x82\xAC\xF0\x9F\xA4\x96", "\xEF\xBF\xBD", "\x7F"}) {
+    Node node;
+    node.name = std::string(text);
+    Node readBack;
+    ASSERT_TRUE(readBack.readFromBuffer(documentOf(node))) << text;
+    EXPECT_EQ(readBack.name.value(), text);
+    Text const element = node.name;
+    Text elementBack(std::string("other"));
+    ASSERT_TRUE(elementBack.readFromBuffer(documentOf(element))) << text;
+    EXPECT_EQ(elementBack.value(), text);
+  }
+  for (std::string const& text : {std::string("\x01"), std::string("a\0b", 3), std::string("\xFF"), std::string("\xC3"),
+                                  std::string("\xC0\xAF"), std::string("\xED\xA0\x80"), std::string("\xEF\xBF\xBF"),
+                                  std::string("\xF4\x90\x80\x80"), std::string("long enough \x1F to hide")}) {
+    PrintSink sink;
+    std::string buffer = "old";
+    EXPECT_FALSE(Text(text).writeToBuffer(buffer, "text"));
+    ASSERT_EQ(sink.messages().size(), 1U) << text;
+    EXPECT_NE(sink.messages()[0].find("XML can't carry the byte 0x"), std::string::npos) << sink.messages()[0];
+    EXPECT_EQ(buffer, "old");
+  }
+}
+
+TEST(XmlDocument, IsNotWrittenWhenItCouldNotBeRead) {
+  std::string buffer;
+  for (char const* root : {"", "a b", "1a", "x:a", "a<"}) {
+    PrintSink sink;
+    EXPECT_FALSE(Real(1.0).writeToBuffer(buffer, root));
+    EXPECT_EQ(sink.messages().size(), 1U) << root;
+  }
+  // The innermost weight stands one deeper than its node.
+  for (unsigned int const nodes : {255U, 256U, 5000U}) {
+    Node chain;
+    for (unsigned int i = 1; i < nodes; ++i) {
+      auto inner = std::make_unique<Node>();
+      std::swap(inner->inner, chain.inner);
+      chain.inner = std::move(inner);
+    }
+    PrintSink sink;
+    bool const fits = nodes < ZuXmlReader::m_theMaximumNesting;
+    EXPECT_EQ(chain.writeToBuffer(buffer, "node"), fits) << nodes;
+    EXPECT_EQ(sink.messages().size(), fits ? 0U : 1U) << nodes;
+    EXPECT_EQ(fits && Node().readFromBuffer(buffer), fits) << nodes;
+  }
+}
+
+TEST(XmlDocument, TellsWhatItHeld) {
+  Node node = Node::testObject();
+  EXPECT_FALSE(node.specified());
+  ASSERT_TRUE(node.readFromBuffer("<node name='n'/>"));
+  EXPECT_TRUE(node.specified());
+  EXPECT_TRUE(node.name.specified());
+  EXPECT_FALSE(node.weight.specified());
+  EXPECT_FALSE(node.inner);
+  EXPECT_FALSE(node.equalsDefault());
+  ASSERT_TRUE(node.readFromBuffer("<node><weight>0</weight></node>"));
+  EXPECT_FALSE(node.name.specified());
+  EXPECT_TRUE(node.weight.specified());
+  EXPECT_TRUE(node.equalsDefault());
+  ZuXmlBaseVariableCompoundType container = zoo();
+  ASSERT_TRUE(container.readFromBuffer("<zoo><real>1</real></zoo>"));
+  EXPECT_TRUE(container.element(0)->specified());
+}
+
+TEST(XmlCompoundType, KnowsItsComponents) {
+  Node node;
+  EXPECT_TRUE(node.hasChildren());
+  EXPECT_TRUE(node.hasAttributes());
+  EXPECT_TRUE(node.isReadOnlyComponent("unit"));
+  EXPECT_FALSE(node.isReadOnlyComponent("weight"));
+  EXPECT_FALSE(node.isReadOnlyComponent("none"));
+  EXPECT_TRUE(node.isReadOnlyAttribute("kind"));
+  EXPECT_FALSE(node.isReadOnlyAttribute("name"));
+  EXPECT_EQ(node.componentMap().find("weight")->object, &node.weight);
+  EXPECT_EQ(node.attributeComponentMap().find("name")->object, &node.name);
+  EXPECT_EQ(node.specialDescriptorMap().count(Node::classToken()), 1U);
+  node.createComponentMap();
+  node.createAttributeComponentMap();
+  EXPECT_EQ(node.componentMap().components().size(), 2U);
+  EXPECT_EQ(node.attributeComponentMap().components().size(), 2U);
+  ZuXmlPairType<Real, Real> const plain;
+  EXPECT_FALSE(plain.hasAttributes());
+  EXPECT_TRUE(plain.specialDescriptorMap().empty());
+}
+
+TEST(XmlCompoundType, BuildsItsTablesOnFirstUseOrByXmlInitAndNeverCopiesThem) {
+  ZuXmlPairType<ZuXmlPairType<Real, Real>, ZuXmlVectorType<Node>> pair;
+  pair.second().resize(1);
+  EXPECT_FALSE(pair.xmlInitialized());
+  pair.xmlInit();
+  EXPECT_TRUE(pair.xmlInitialized());
+  EXPECT_TRUE(pair.first().xmlInitialized());
+  EXPECT_TRUE(pair.second()[0].xmlInitialized());
+  auto const copy = pair;
+  EXPECT_FALSE(copy.xmlInitialized());
+  documentOf(copy);
+  EXPECT_TRUE(copy.xmlInitialized());
+  pair = copy;
+  EXPECT_FALSE(pair.xmlInitialized());
+}
+
+TEST(XmlObjectVisitor, SeesEveryObjectBeforeItsComponentsAndMayPassThemOver) {
+  class Recorder : public ZuXmlObjectVisitor {
+   public:
+    explicit Recorder(bool intoPairs) : m_IntoPairs(intoPairs) {}
+    bool visit(ZuXmlObject& object) override {
+      bool const isPair = dynamic_cast<ZuXmlPairType<Text, ZuXmlVector>*>(&object) != nullptr;
+      seen += isPair ? "pair(" : object.isBasicType() ? "v" : "(";
+      return m_IntoPairs || !isPair;
+    }
+    void leave(ZuXmlObject& object) override { seen += object.isBasicType() ? "" : ")"; }
+    std::string seen;
+
+   private:
+    bool m_IntoPairs;
+  };
+  ZuXmlBaseVariableCompoundType container = zoo();
+  ASSERT_TRUE(container.readFromBuffer(
+      "<zoo><real>1</real><pair/><nodes><node/></nodes><map><entry><key>k</key></entry></map></zoo>"));
+  Recorder all(true);
+  container.accept(&all);
+  EXPECT_EQ(all.seen, "(vpair(vv)((vvvv))((vvvv)))");
+  Recorder some(false);
+  container.accept(&some);
+  EXPECT_EQ(some.seen, "(vpair(((vvvv))((vvvv)))");
+  container.accept(nullptr);
+}
+
+TEST(XmlContainers, DoWhatTheirNamesSay) {
+  ZuXmlMapType<Real, Text> map;
+  map.add(2.0, std::string("two"));
+  map.add(1.0, std::string("one"));
+  map.add(2.0, std::string("zwei"));
+  Text text(std::string("old"));
+  unsigned int index = 7;
+  EXPECT_EQ(map.size(), 2U);
+  EXPECT_TRUE(map.lookup(2.0, text));
+  EXPECT_EQ(text.value(), "zwei");
+  EXPECT_FALSE(map.lookup(3.0, text));
+  EXPECT_EQ(text.value(), "zwei");
+  EXPECT_EQ(map.lookupPointer(3.0), nullptr);
+  EXPECT_TRUE(map.keyIndex(2.0, index));
+  EXPECT_EQ(index, 1U);
+  EXPECT_FALSE(map.keyIndex(3.0, index));
+  PrintSink sink;
+  map.add(std::nan(""), Text());
+  EXPECT_EQ(map.size(), 2U);
+  EXPECT_EQ(sink.messages().size(), 1U);
+
+  ZuXmlVectorType<Real> list;
+  list.leftRotate(3);
+  for (double const item : {0.0, 1.0, 2.0, 3.0}) list.pushBack(item);
+  list.leftRotate(5);
+  EXPECT_TRUE(list[0] == Real(1.0) && list[3] == Real(0.0));
+}

@@ -1,0 +1,23 @@
+// Schemas: what they admit and what not; that each class's own documents validate is part of the persistence tests.
+#include <gtest/gtest.h>
+
+#include "tests/xmlSamples.h"
+#include "tests/xmlSchemaCheck.h"
+
+TEST(XmlSchema, AdmitsWhatIsWrittenAndNothingThatIsNoValue) {
+  if (!xmllintIsInstalled()) GTEST_SKIP() << "xmllint is not installed";
+  ZuXmlBaseVariableCompoundType container = zoo();
+  ASSERT_TRUE(container.readFromBuffer(
+      "<zoo><table><entry><key>1</key><value>-nan(0x1)</value></entry></table><points><vector>1e300 -0 5e-324</vector>"
+      "<vector>inf -inf nan</vector></points><map><entry><key> k </key><value/></entry></map><node name='n'><weight>.5"
+      "</weight><node><node/></node></node><nodes><node/></nodes><text>&lt;</text><flag>true</flag><pair/></zoo>"));
+  std::string document;
+  ASSERT_TRUE(container.writeToBuffer(document, "root"));
+  EXPECT_EQ(schemaFault(container, document), "");
+  for (char const* element :
+       {"<unknown/>", "<real>1e</real>", "<real>INF</real>", "<vector>1 2</vector>", "<unsigned>-1</unsigned>",
+        "<node size='1'/>", "<node><node><other/></node></node>", "<table><entry><key>a</key></entry></table>",
+        "<frame><orientation>1 2 3</orientation></frame>", "<points><point/></points>"}) {
+    EXPECT_NE(schemaFault(container, "<root>" + std::string(element) + "</root>"), "") << element;
+  }
+}

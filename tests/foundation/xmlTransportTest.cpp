@@ -1,0 +1,239 @@
+// Documents in files, streams and compressed buffers: every form, damaged in every way.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "tests/printSink.h"
+#include "tests/temporaryFolder.h"
+#include "tests/xmlSamples.h"
+
+namespace {
+
+enum Form { PLAIN, GZIP, ZSTANDARD };
+
+bool write(ZuXmlObject const& object, Form form, std::string const& file) {
+  return form == PLAIN  ? object.writeToFile(file, "node")
+         : form == GZIP ? object.writeToFileWithCompression(file, "node")
+                        : object.writeToFileWithCompression2(file, "node");
+}
+
+bool read(ZuXmlObject& object, Form form, std::string const& file) {
+  return form == PLAIN  ? object.readFromFilePlain(file)
+         : form == GZIP ? object.readFromFileWithCompression(file)
+                        : object.readFromFileWithCompression2(file);
+}
+
+std::string bytesOf(ZuXmlObject const& object, Form form) {
+  TemporaryFolder const folder;
+  return write(object, form, folder.file("a")) ? contents(folder.file("a")) : "";
+}
+
+/// Reads the bytes as a file of that form, and checks all that refusing means.
+void expectRefused(Form form, std::string const& bytes, std::string const& message) {
+  TemporaryFolder const folder;
+  std::string const file = folder.file("a");
+  std::ofstream(file, std::ios::binary) << bytes;
+  Node target = Node::testObject();
+  PrintSink sink;
+  EXPECT_FALSE(read(target, form, file));
+  ASSERT_EQ(sink.messages().size(), 1U);
+  EXPECT_NE(sink.messages()[0].find(file), std::string::npos) << sink.messages()[0];
+  EXPECT_NE(sink.messages()[0].find(message), std::string::npos) << sink.messages()[0];
+  EXPECT_TRUE(target == Node::testObject());
+}
+
+/// A gzip member of `megabytes` of zeros, which says that it has `claimed` bytes; its checksum is wrong.
+std::string gzipBomb(unsigned int megabytes, std::uint32_t claimed) {
+  std::string const zeros(std::size_t{1} << 20, '\0');
+  std::string block(zeros.size(), '\0');
+  z_stream stream{};
+  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY);
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(zeros.data()));
+  stream.avail_in = static_cast<uInt>(zeros.size());
+  stream.next_out = reinterpret_cast<Bytef*>(block.data());
+  stream.avail_out = static_cast<uInt>(block.size());
+  deflate(&stream, Z_FULL_FLUSH);
+  block.resize(block.size() - stream.avail_out);
+  deflateEnd(&stream);
+  std::string bytes("\x1F\x8B\x08\0\0\0\0\0\0\x03", 10);
+  for (unsigned int i = 0; i < megabytes; ++i) bytes += block;
+  bytes += std::string("\x03\0\0\0\0\0", 6);  // an empty last block, and the checksum
+  for (unsigned int i = 0; i < 4; ++i) bytes += static_cast<char>(claimed >> 8 * i);
+  return bytes;
+}
+
+/// A Zstandard frame of `blocks` times 128 KiB of zeros, which does not say how large it is.
+std::string zstandardBomb(unsigned int blocks) {
+  std::string bytes("\x28\xB5\x2F\xFD\0\x38", 6);
+  for (unsigned int i = 0; i < blocks; ++i) bytes += std::string("\x02\0\x10\0", 4);
+  return bytes + std::string("\x03\0\0\0", 4);
+}
+
+std::size_t peakMemory() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<std::size_t>(usage.ru_maxrss) << 10;
+}
+
+}  // namespace
+
+TEST(XmlFile, ReadsBackInEveryFormWhichItTellsByItself) {
+  TemporaryFolder const folder;
+  std::string const file = folder.file("a");
+  for (Form const form : {PLAIN, GZIP, ZSTANDARD}) {
+    ASSERT_TRUE(write(Node::testObject(), form, file));
+    Node told;
+    Node found;
+    EXPECT_TRUE(read(told, form, file));
+    EXPECT_TRUE(found.readFromFile(file));
+    EXPECT_TRUE(told == Node::testObject());
+    EXPECT_TRUE(found == Node::testObject());
+    Node buffered;
+    EXPECT_EQ(buffered.readFromCompressedBuffer(contents(file)), form != PLAIN);
+  }
+  EXPECT_EQ(folder.count(), 1U);
+}
+
+TEST(XmlFile, IsRefusedWhereverItIsCutOff) {
+  PrintSink sink;
+  for (Form const form : {PLAIN, GZIP, ZSTANDARD}) {
+    std::string const bytes = bytesOf(Node::testObject(), form);
+    Node target = Node::testObject();
+    for (std::size_t size = 0; size + 1 < bytes.size(); ++size) {  // a plain document may lack its last line end
+      sink.take();
+      std::string const part = bytes.substr(0, size);
+      EXPECT_FALSE(form == PLAIN ? target.readFromBuffer(part) : target.readFromCompressedBuffer(part)) << size;
+      EXPECT_EQ(sink.messages().size(), 1U) << size;
+    }
+    EXPECT_TRUE(target == Node::testObject());
+  }
+}
+
+TEST(XmlFile, NeverReadsAsAnotherValueWhenACompressedByteIsDamaged) {
+  PrintSink sink;
+  for (Form const form : {GZIP, ZSTANDARD}) {
+    std::string const bytes = bytesOf(Node::testObject(), form);
+    for (std::size_t i = 0; i < 8 * bytes.size(); ++i) {
+      std::string damaged = bytes;
+      damaged[i / 8] = static_cast<char>(damaged[i / 8] ^ (1 << i % 8));
+      Node target = Node::testObject();
+      target.readFromCompressedBuffer(damaged);  // some bits of gzip's header, its time for one, mean nothing
+      EXPECT_TRUE(target == Node::testObject()) << i;
+    }
+  }
+}
+
+TEST(XmlFile, IsOneWholeCompressedPieceOrRefused) {
+  std::string const plain = bytesOf(Node::testObject(), PLAIN);
+  std::string const gzip = bytesOf(Node::testObject(), GZIP);
+  std::string const zstandard = bytesOf(Node::testObject(), ZSTANDARD);
+  std::string const size(gzip.end() - 4, gzip.end());
+  std::string const head(gzip.begin(), gzip.end() - 4);
+  struct {
+    Form form;
+    std::string bytes;
+    std::string message;
+  } const theCases[] = {
+      {GZIP, gzip + gzip, "bytes follow the compressed data"},
+      {GZIP, gzip + std::string(8, '\0'), "more text than the compressed data claims to hold"},
+      {GZIP, gzip + size, "bytes follow the compressed data"},
+      {ZSTANDARD, zstandard + zstandard, "bytes follow the compressed data"},
+      {ZSTANDARD, zstandard + "\n", "bytes follow the compressed data"},
+      {GZIP, head + std::string("\xFF\xFF\xFF\x7F", 4), "damaged"},
+      {GZIP, head + std::string("\xFF\xFF\0\0", 4), "damaged"},
+      {GZIP, head + std::string(4, '\0'), "damaged"},
+      {GZIP, plain, "damaged"},
+      {GZIP, zstandard, "damaged"},
+      {ZSTANDARD, gzip, "Unknown frame descriptor"},
+      {ZSTANDARD, "", "ends too early"},
+      {GZIP, "", "ends too early"},
+      {PLAIN, gzip, "line 1: a byte that is no character"},
+  };
+  for (auto const& theCase : theCases) expectRefused(theCase.form, theCase.bytes, theCase.message);
+}
+
+TEST(XmlFile, IsRefusedBeforeItTakesMemoryWhenItWouldBecomeTooLarge) {
+  unsigned int const tooManyMegabytes = (ZuXmlReader::m_theMaximumDocumentSize >> 20) + 1;
+  std::size_t const before = peakMemory();
+  expectRefused(GZIP, gzipBomb(tooManyMegabytes, tooManyMegabytes << 20), "larger than a document may be");
+  expectRefused(GZIP, gzipBomb(tooManyMegabytes, 1000), "more text than the compressed data claims to hold");
+  expectRefused(ZSTANDARD, zstandardBomb(tooManyMegabytes * 8), "larger than a document may be");
+  EXPECT_LT(peakMemory() - before, std::size_t{64} << 20);
+}
+
+TEST(XmlFile, ReadsOnlyRegularFilesAndNeverWaits) {
+  TemporaryFolder const folder;
+  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  std::ofstream(folder.file("large")).close();
+  ASSERT_EQ(truncate(folder.file("large").c_str(), ZuXmlReader::m_theMaximumDocumentSize + 1), 0);
+  std::ofstream(folder.file("secret")) << "<node/>";
+  ASSERT_EQ(chmod(folder.file("secret").c_str(), 0), 0);
+  struct {
+    std::string file;
+    std::string message;
+  } const theCases[] = {
+      {folder.file("none"), "No such file"},
+      {folder.file(""), "not a regular file"},
+      {folder.file("pipe"), "not a regular file"},
+      {"/dev/zero", "not a regular file"},
+      {folder.file("large"), "larger than a document may be"},
+      {geteuid() == 0 ? "" : folder.file("secret"), geteuid() == 0 ? "No such file" : "Permission denied"},
+  };
+  for (auto const& theCase : theCases) {
+    PrintSink sink;
+    Node target = Node::testObject();
+    EXPECT_FALSE(target.readFromFile(theCase.file));
+    ASSERT_EQ(sink.messages().size(), 1U);
+    EXPECT_NE(sink.messages()[0].find(theCase.file + ": " + theCase.message), std::string::npos) << sink.messages()[0];
+    EXPECT_TRUE(target == Node::testObject());
+  }
+}
+
+TEST(XmlFile, ReplacesTheOldOneAsAWholeOrNotAtAll) {
+  TemporaryFolder const folder;
+  std::string const file = folder.file("file");
+  std::ofstream(file) << "old";
+  ASSERT_EQ(chmod(file.c_str(), 0640), 0);
+  ASSERT_EQ(symlink("file", folder.file("link").c_str()), 0);
+  PrintSink sink;
+  EXPECT_FALSE(Text(std::string("\x01")).writeToFile(file, "text"));
+  EXPECT_EQ(contents(file), "old");
+  EXPECT_FALSE(Node().writeToFile(folder.file("none/file"), "node"));
+  EXPECT_FALSE(Node().writeToFile("/dev/full", "node"));
+  EXPECT_EQ(sink.messages().size(), 3U);
+  EXPECT_TRUE(Node().writeToFile("/dev/null", "node"));
+  EXPECT_TRUE(Node().writeToFile(folder.file("link"), "node"));
+  struct stat status {};
+  ASSERT_EQ(lstat(folder.file("link").c_str(), &status), 0);
+  EXPECT_TRUE(S_ISLNK(status.st_mode));
+  ASSERT_EQ(stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0640U);
+  EXPECT_TRUE(Node().readFromFile(file));
+  ASSERT_EQ(stat("/dev/null", &status), 0);
+  EXPECT_TRUE(S_ISCHR(status.st_mode));
+  EXPECT_EQ(folder.count(), 2U);
+}
+
+TEST(XmlStream, ReadsToTheEndAndRefusesAStreamThatFailed) {
+  std::stringstream stream;
+  stream.exceptions(std::ios::failbit | std::ios::badbit | std::ios::eofbit);
+  Node node;
+  ASSERT_TRUE(Node::testObject().writeToStream(stream, "stream", "node"));
+  EXPECT_TRUE(node.readFromStream(stream, "stream"));
+  EXPECT_TRUE(node == Node::testObject());
+  PrintSink sink;
+  std::ifstream missing("/nowhere");
+  std::ofstream full("/dev/full");
+  std::ofstream throwing("/dev/full");
+  throwing.exceptions(std::ios::failbit | std::ios::badbit);
+  EXPECT_FALSE(node.readFromStream(missing, "missing"));
+  EXPECT_FALSE(node.writeToStream(full, "full", "node"));
+  EXPECT_FALSE(node.writeToStream(throwing, "throwing", "node"));
+  EXPECT_EQ(sink.messages().size(), 3U);
+  EXPECT_TRUE(node == Node::testObject());
+}

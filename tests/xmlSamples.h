@@ -1,0 +1,113 @@
+// xmlSamples.h - classes and containers that the tests of the XML framework read and write.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "foundation/zuXmlBaseVariableCompoundType.h"
+#include "foundation/zuXmlBasicType.h"
+#include "foundation/zuXmlCompoundType.h"
+#include "foundation/zuXmlCoordinateSystemTransformation.h"
+#include "foundation/zuXmlMapType.h"
+#include "foundation/zuXmlPairType.h"
+#include "foundation/zuXmlVector.h"
+#include "foundation/zuXmlVectorType.h"
+#include "foundation/zuXmlVectorVector.h"
+
+using Real = ZuXmlBasicType<double>;
+using Text = ZuXmlBasicType<std::string>;
+
+/// Uses all that a compound class can: an attribute, an element, one of each that is only written, and a special
+/// element: a node inside the node.
+class Node : public ZuXmlClass<Node, ZuXmlCompoundType> {
+ public:
+  Node() = default;
+  Node(Node const& other)
+      : ZuXmlClass(other),
+        name(other.name),
+        weight(other.weight),
+        inner(other.inner ? new Node(*other.inner) : nullptr) {}
+  Node& operator=(Node const& other) {
+    ZuXmlCompoundType::operator=(other);
+    name = other.name;
+    weight = other.weight;
+    inner.reset(other.inner ? new Node(*other.inner) : nullptr);
+    return *this;
+  }
+  bool operator==(Node const& other) const {
+    bool const sameInner = inner && other.inner ? *inner == *other.inner : inner == other.inner;
+    return name == other.name && weight == other.weight && sameInner;
+  }
+
+  void registerComponents() override {
+    registerAttributeComponent("name", &name);
+    registerAttributeComponentReadOnly("kind", &kind);
+    registerComponent("weight", &weight);
+    registerComponentReadOnly("unit", &unit);
+  }
+  void createSpecialDescriptorMap() override {
+    ZuXmlCompoundType::createSpecialDescriptorMap();
+    addSpecialDescriptor(classToken(), &Node::creator);
+  }
+  bool readValueFromSpecialToken(ZuToken const& token, ZuXmlReader& reader) override {
+    if (token != classToken()) return ZuXmlCompoundType::readValueFromSpecialToken(token, reader);
+    inner = std::make_unique<Node>();
+    return inner->read(reader);
+  }
+  bool writeElements(ZuXmlWriter& writer) const override {
+    if (!ZuXmlCompoundType::writeElements(writer)) return false;
+    if (!inner) return true;
+    writer.open(classToken());
+    bool const written = inner->write(writer);
+    writer.close();
+    return written;
+  }
+
+  static ZuToken const& classToken() {
+    static ZuToken const theToken("node");
+    return theToken;
+  }
+  static Node testObject() {
+    Node sample;
+    sample.name = std::string("a \"b\"\n<c>");
+    sample.weight = 1.5;
+    sample.inner = std::make_unique<Node>();
+    return sample;
+  }
+
+  Text name;
+  Text kind = Text("sample");
+  Real weight;
+  Text unit = Text("kg");
+  std::unique_ptr<Node> inner;
+};
+
+/// A container that knows every kind of value.
+inline ZuXmlBaseVariableCompoundType zoo() {
+  ZuXmlBaseVariableCompoundType container;
+  auto const add = [&](char const* name, ZuXmlObject* (*creator)()) {
+    container.registerComponentCreator(name, creator);
+  };
+  add("real", &Real::creator);
+  add("text", &Text::creator);
+  add("flag", &ZuXmlBasicType<bool>::creator);
+  add("int", &ZuXmlBasicType<int>::creator);
+  add("unsigned", &ZuXmlBasicType<unsigned int>::creator);
+  add("short", &ZuXmlBasicType<unsigned short>::creator);
+  add("vector", &ZuXmlVector::creator);
+  add("frame", &ZuXmlCoordinateSystemTransformation::creator);
+  add("pair", &ZuXmlPairType<Text, ZuXmlVector>::creator);
+  add("points", &ZuXmlVectorVector::creator);
+  add("nodes", &ZuXmlVectorType<Node>::creator);
+  add("map", &ZuXmlMapType<Text, Node>::creator);
+  add("table", &ZuXmlMapType<Real, Real>::creator);
+  add("node", &Node::creator);
+  return container;
+}
+
+/// The plain document of the object; empty when it can't be written.
+inline std::string documentOf(ZuXmlObject const& object) {
+  std::string document;
+  object.writeToBuffer(document, "zoo");
+  return document;
+}
