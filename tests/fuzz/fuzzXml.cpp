@@ -1,0 +1,53 @@
+// Feeds arbitrary bytes to the readers of documents. What is accepted must be written and read back as the same value;
+// what is refused must leave the target as it was.
+#include <cstdint>
+#include <cstdlib>
+
+#include "foundation/zuPrint.h"
+#include "tests/xmlSamples.h"
+
+namespace {
+
+void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+ZuXmlBaseVariableCompoundType filled() {
+  ZuXmlBaseVariableCompoundType container = zoo();
+  container.append(std::make_unique<Node>(Node::testObject()), Node::classToken());
+  return container;
+}
+
+/// NaNs equal nothing: values are compared by what is written of them.
+void checkAccepted(ZuXmlBaseVariableCompoundType const& accepted) {
+  std::string const document = documentOf(accepted);
+  require(!document.empty());
+  ZuXmlBaseVariableCompoundType readBack = zoo();
+  require(readBack.readFromBuffer(document));
+  require(documentOf(readBack) == document);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  static std::string const theOldDocument = documentOf(filled());
+  static unsigned int theMessages = 0;
+  static bool const theSinkIsSet = [] {
+    Zu::Print::instance().setSink([](int, std::string const&) { ++theMessages; });
+    return true;
+  }();
+  require(theSinkIsSet && size < std::size_t{1} << 30);
+  std::string const bytes(reinterpret_cast<char const*>(data), size);
+  for (bool const compressed : {false, true}) {
+    ZuXmlBaseVariableCompoundType target = filled();
+    theMessages = 0;
+    if (compressed ? target.readFromCompressedBuffer(bytes) : target.readFromBuffer(bytes)) {
+      require(theMessages == 0);
+      checkAccepted(target);
+    } else {
+      require(theMessages == 1);
+      require(documentOf(target) == theOldDocument);
+    }
+  }
+  return 0;
+}
