@@ -1,0 +1,463 @@
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <map>
+#include <tuple>
+
+#include "foundation/zuManipulatorSystem.h"
+#include "geometry/zuGeneralMotion.h"
+#include "geometry/zuShapeProximityDescriptor.h"
+#include "geometry/zuSystemShapeProximityState.h"
+#include "tests/allocationCounter.h"
+#include "tests/printSink.h"
+#include "tests/randomValues.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+
+using Key = ZuShapeStateCacheKey;
+using Data = ZuShapeProximityData;
+using State = ZuSystemShapeProximityState;
+using Motion = ZuGeneralMotion;
+using Transformation = ZuCoordinateSystemTransformation;
+
+int constexpr theReserved = -2;
+
+/// A system given by its counts: shapes[manipulator][slot], slot 0 being that of the reserved link.
+struct CountedSystem : ZuManipulatorSystem {
+  std::vector<std::vector<unsigned int>> shapes;
+
+  CountedSystem(std::vector<std::vector<unsigned int>> counts) : shapes(std::move(counts)) {}  // NOLINT
+  static CountedSystem uniform(unsigned int manipulators, unsigned int links, unsigned int shapesOfALink) {
+    std::vector<unsigned int> slots{0};
+    slots.insert(slots.end(), links, shapesOfALink);
+    return std::vector<std::vector<unsigned int>>(manipulators, slots);
+  }
+  unsigned int numberOfManipulators() const override { return static_cast<unsigned int>(shapes.size()); }
+  unsigned int numberOfLinks(unsigned int manipulator) const override {
+    return static_cast<unsigned int>(shapes.at(manipulator).size() - 1);
+  }
+  unsigned int numberOfShapes(unsigned int manipulator, unsigned int link) const override {
+    return shapes.at(manipulator).at(link == m_theReservedLink ? 0 : link + 1);
+  }
+  std::vector<Key> keys() const {
+    std::vector<Key> all;
+    for (std::size_t m = 0; m < shapes.size(); ++m)
+      for (std::size_t slot = 0; slot < shapes[m].size(); ++slot)
+        for (unsigned int id = 0; id < shapes[m][slot]; ++id)
+          all.emplace_back(static_cast<int>(m), slot == 0 ? theReserved : static_cast<int>(slot) - 1,
+                           static_cast<int>(id));
+    return all;
+  }
+  bool has(Key const& key) const {
+    for (Key const& mine : keys())
+      if (mine == key) return true;
+    return false;
+  }
+};
+
+/// The pair as a map can hold it, with the keys in order.
+using Pair = std::tuple<unsigned, unsigned, unsigned, unsigned, unsigned, unsigned>;
+Pair orderedPair(Key const& a, Key const& b) {
+  Key const& first = a.manipID() < b.manipID() ? b : a;
+  Key const& second = a.manipID() < b.manipID() ? a : b;
+  return {first.manipID(), first.linkID(), first.shapeID(), second.manipID(), second.linkID(), second.shapeID()};
+}
+
+/// Every pair of the system has exactly the distance of the model, 0 where the model has none; counts the others.
+int compareWithModel(State& state, CountedSystem const& system, std::map<Pair, double> const& model) {
+  int stored = 0;
+  for (Key const& a : system.keys()) {
+    for (Key const& b : system.keys()) {
+      auto const entry = model.find(orderedPair(a, b));
+      EXPECT_NE(state.getProximityData(a, b), nullptr);
+      EXPECT_EQ(state.getDistance(a, b), entry == model.end() ? 0.0 : entry->second);
+      stored += entry != model.end();
+    }
+  }
+  return stored;
+}
+
+/// Every field different from its default and from every other field of its type.
+Data distinctData() {
+  Data data;
+  data.storeResult(1.0, {0, 0, 1}, {0, 0, 2}, {0, 0, 3}, 4);
+  data.setUpdateTime(5);
+  data.setDistanceUpdateTime(6);
+  data.setCollisionOccurred(true);
+  data.setFirstCollisionOccurred(true);
+  data.setProximitySense(true);
+  data.setFrictionMode(Data::STATIC_FRICTION);
+  data.setClosestPoint1(Data::LINE);
+  data.setClosestPoint2(Data::FACET);
+  data.setLineOfAction({1, 0, 0});
+  data.setCollisionPointPrimaryObject1({2, 0, 0});
+  data.setCollisionPointPrimaryObject2({3, 0, 0});
+  data.setStaticStartCollisionPointInPrimary1({4, 0, 0});
+  data.setStaticStartCollisionPointInPrimary2({5, 0, 0});
+  data.setRelXformObject1(Transformation({6, 0, 0}));
+  data.setLastVelocityPrimaryObject1(Motion({7, 0, 0}, {}));
+  data.setLastVelocityPrimaryObject2(Motion({8, 0, 0}, {}));
+  data.setVelocityPrimaryObject1(Motion({9, 0, 0}, {}));
+  data.setVelocityPrimaryObject2(Motion({10, 0, 0}, {}));
+  data.setStaticStartPrimaryFrame1InSystem(Transformation({11, 0, 0}));
+  data.setStaticStartPrimaryFrame2InSystem(Transformation({12, 0, 0}));
+  data.insertPenetrationPointShape1Primary({13, 0, 0});
+  data.insertPenetrationPointShape2Primary({14, 0, 0});
+  data.insertPenetrationPointShape2Primary({15, 0, 0});
+  return data;
+}
+
+/// The numbers that distinctData() gave the fields from the line of action on.
+std::vector<double> contactNumbers(Data const& d) {
+  auto const newest = [](ZuVector const* p) { return p == nullptr ? 0.0 : p->x(); };
+  return {d.lineOfAction().x(),
+          d.collisionPointPrimaryObject1().x(),
+          d.collisionPointPrimaryObject2().x(),
+          d.staticStartCollisionPointInPrimary1().x(),
+          d.staticStartCollisionPointInPrimary2().x(),
+          d.relXformObject1().translation().x(),
+          d.lastVelocityPrimaryObject1()[0],
+          d.lastVelocityPrimaryObject2()[0],
+          d.velocityPrimaryObject1()[0],
+          d.velocityPrimaryObject2()[0],
+          d.staticStartPrimaryFrame1InSystem().translation().x(),
+          d.staticStartPrimaryFrame2InSystem().translation().x(),
+          newest(d.getPenetrationPointShape1Primary(0)),
+          newest(d.getPenetrationPointShape2Primary(1)),
+          newest(d.getPenetrationPointShape2Primary(0))};
+}
+
+}  // namespace
+
+TEST(CacheKey, IdsDefaultToNoneAndAllCountInEquality) {
+  Key const key(1, 2, 3);
+  EXPECT_EQ(key, Key::testObject());
+  EXPECT_TRUE(key.selfTest() && Key::nullObject().selfTest());
+  for (Key const& other : {Key(0, 2, 3), Key(1, 0, 3), Key(1, 2, 0), Key(ZuLinkStateCacheKey(1, 2))})
+    EXPECT_NE(key, other);
+  Key const none;
+  EXPECT_EQ(none, Key::invalidKey());
+  EXPECT_EQ(none, Key::nullObject());
+  EXPECT_EQ(none.manipID() & none.linkID() & none.shapeID(), 4294967295U);
+  Key const ofManipulator(ZuLinkStateCacheKey(ZuManipulatorStateCacheKey(7)));
+  EXPECT_EQ(ofManipulator, Key(7, -1, -1));
+  EXPECT_NE(ofManipulator, none);
+}
+
+TEST(ProximityDescriptor, NamesThePairAndTheSystem) {
+  ZuShapeProximityDescriptor descriptor;
+  EXPECT_EQ(descriptor.key1(), Key::invalidKey());
+  EXPECT_EQ(descriptor.statedSystem(), nullptr);
+  descriptor.setKey1(Key(1, 2, 3));
+  descriptor.setKey2(Key(4, 5, 6));
+  EXPECT_EQ(descriptor, ZuShapeProximityDescriptor::testObject());
+  int something = 0;
+  descriptor.setStatedSystem(reinterpret_cast<ZuStatedSystem const*>(&something));
+  EXPECT_FALSE(descriptor == ZuShapeProximityDescriptor::testObject());
+  EXPECT_TRUE(descriptor.selfTest());
+}
+
+TEST(ProximityData, EveryFieldIsStoredInItsOwnPlace) {
+  Data const data = distinctData();
+  std::vector<double> const numbers = contactNumbers(data);
+  for (std::size_t i = 0; i < numbers.size(); ++i) EXPECT_EQ(numbers[i], static_cast<double>(i + 1));
+  ZuVector w1, w2;
+  data.getWitnessPoints(w1, w2);
+  EXPECT_EQ(std::make_tuple(data.distance(), data.proximityVector(), w1, w2),
+            std::make_tuple(1.0, ZuVector(0, 0, 1), ZuVector(0, 0, 2), ZuVector(0, 0, 3)));
+  EXPECT_EQ(std::make_tuple(data.witnessPointsUpdateTime(), data.updateTime(), data.distanceUpdateTime()),
+            std::make_tuple(4U, 5U, 6U));
+  EXPECT_TRUE(data.collisionOccurred() && data.firstCollisionOccurred() && data.proximitySense());
+  EXPECT_EQ(data.frictionMode(), Data::STATIC_FRICTION);
+  EXPECT_EQ(data.closestPoint1(), Data::LINE);
+  EXPECT_EQ(data.closestPoint2(), Data::FACET);
+}
+
+TEST(ProximityData, CopiesAreDeepAndEqualityIsByValue) {
+  Data const data = distinctData();
+  Data copy(data), assigned = Data::testObject();
+  assigned = data;
+  EXPECT_TRUE(copy == data && assigned == data && data.selfTest());
+  copy.insertPenetrationPointShape1Primary({1, 1, 1});
+  EXPECT_FALSE(copy == data);
+  EXPECT_EQ(contactNumbers(data)[12], 13.0);
+  assigned = Data();
+  EXPECT_FALSE(assigned.hasContactData());
+  assigned.setLineOfAction({});
+  EXPECT_TRUE(assigned.hasContactData() && assigned == Data()) << "contact data of initial values";
+}
+
+TEST(ProximityData, APairThatNeverTouchedAllocatesNothing) {
+  contactNumbers(Data());  // whatever is made once per process is made here
+  AllocationCounter const counter;
+  Data data;
+  data.storeResult(1.0, {0, 0, 1}, {0, 0, 2}, {0, 0, 3}, 4);
+  data.setCollisionOccurred(false);
+  data.setFrictionMode(Data::NO_FRICTION);
+  data.resetPenetrationPointBuffers();
+  data.setDynamicSimulationDataFromLast(Data());
+  EXPECT_EQ(data.lineOfAction(), ZuVector());
+  EXPECT_EQ(data.velocityPrimaryObject1(), Motion::nullObject());
+  EXPECT_EQ(data.numPenetrationPoints(), 0U);
+  EXPECT_EQ(data.penetrationPointPrimary(2, 0), nullptr);
+  EXPECT_EQ(counter.count(), 0U);
+}
+
+TEST(ProximityData, ANewContactStartsAtRestWithoutPoints) {
+  Data data = distinctData();
+  data.startContact();
+  std::vector<double> expected{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 11, 12, 0, 0, 0};
+  EXPECT_EQ(contactNumbers(data), expected);
+  EXPECT_EQ(data.frictionMode(), 2);
+}
+
+TEST(ProximityData, TheStepBeforeIsTakenOverStraightOrExchanged) {
+  Data const last = distinctData();
+  Data straight, exchanged, itself(last), copied = Data::testObject();
+  straight.setDynamicSimulationDataFromLast(last);
+  exchanged.setAndInvertDynamicSimulationDataFromLast(last);
+  itself.setAndInvertDynamicSimulationDataFromLast(itself);
+  copied.copyDataWithDirectionalInversion(last);
+  using Numbers = std::vector<double>;
+  EXPECT_EQ(contactNumbers(straight), (Numbers{0, 0, 0, 4, 5, 0, 9, 10, 0, 0, 11, 12, 13, 14, 15}));
+  EXPECT_EQ(contactNumbers(exchanged), (Numbers{0, 0, 0, 5, 4, 0, 10, 9, 0, 0, 12, 11, 15, 0, 13}));
+  EXPECT_EQ(contactNumbers(copied), (Numbers{1, 2, 3, 5, 4, 6, 10, 9, 9, 10, 12, 11, 15, 0, 13}));
+  EXPECT_EQ(itself, copied);
+  EXPECT_EQ(straight.frictionMode(), Data::STATIC_FRICTION);
+  EXPECT_EQ(exchanged.frictionMode(), Data::STATIC_FRICTION);
+  // The indices go with their rings.
+  exchanged.insertPenetrationPointShape1Primary({16, 0, 0});
+  EXPECT_EQ(exchanged.getPenetrationPointShape1Primary(2)->x(), 14.0);
+  copied.setAndInvertDynamicSimulationDataFromLast(copied);
+  copied.setLastVelocityPrimaryObject1(last.lastVelocityPrimaryObject1());
+  copied.setLastVelocityPrimaryObject2(last.lastVelocityPrimaryObject2());
+  EXPECT_EQ(copied, last);
+}
+
+TEST(ProximityData, TheRingKeepsTheLastFortyPoints) {
+  Data data;
+  std::deque<double> model;
+  for (int i = 0; i < 130; ++i) {
+    data.insertPenetrationPointShape1Primary({static_cast<double>(i), 0, 0});
+    EXPECT_EQ(data.numPenetrationPoints(), model.size()) << "the points of both shapes count";
+    data.insertPenetrationPointShape2Primary({0, static_cast<double>(i), 0});
+    model.push_front(i);
+    if (model.size() > 40) model.pop_back();
+    EXPECT_EQ(data.numPenetrationPoints(), model.size());
+    for (unsigned int k = 0; k < model.size(); ++k) {
+      EXPECT_EQ(*data.penetrationPointPrimary(1, k), ZuVector(model[k], 0, 0));
+      EXPECT_EQ(*data.getPenetrationPointShape2Primary(k), ZuVector(0, model[k], 0));
+    }
+    if (model.size() < 40) {
+      EXPECT_EQ(data.getPenetrationPointShape1Primary(static_cast<unsigned int>(model.size())), nullptr);
+      EXPECT_EQ(data.getPenetrationPointShape1Primary(4294967295U), nullptr);
+    } else {
+      EXPECT_EQ(data.getPenetrationPointShape1Primary(40), data.getPenetrationPointShape1Primary(0));
+    }
+  }
+  data.resetPenetrationPointBuffers();
+  EXPECT_EQ(data.getPenetrationPointShape2Primary(0), nullptr);
+  data.insertPenetrationPointShape1Primary({7, 7, 7});
+  EXPECT_EQ(*data.getPenetrationPointShape1Primary(0), ZuVector(7, 7, 7));
+}
+
+TEST(ProximityData, RingsOfOthersWorkByTheirIndex) {
+  Data const data;
+  std::vector<ZuVector> ring(40);
+  int index = 39;
+  data.insertPenetrationPoint({1, 2, 3}, ring, index);
+  EXPECT_EQ(index, 0);
+  EXPECT_EQ(ring.size(), 40U);
+  EXPECT_EQ(&ring[0], data.penetrationPoint(0, ring, index));
+  EXPECT_EQ(&ring[39], data.penetrationPoint(1, ring, index));
+  EXPECT_NE(data.penetrationPoint(4294967295U, ring, index), nullptr);
+  PrintSink sink;
+  EXPECT_EQ(data.penetrationPointPrimary(0, 0), nullptr);
+  EXPECT_EQ(sink.messages().size(), 1U);
+}
+
+TEST(ProximityState, HoldsOneRecordForEachPairThroughGrowingAndShrinking) {
+  RandomValues random(431);
+  SCOPED_TRACE(random.trace());
+  State state;
+  std::map<Pair, double> model;
+  CountedSystem system({{1, 2}});
+  int stored = 0;
+  for (int step = 0; step < 25; ++step) {
+    CountedSystem next(std::vector<std::vector<unsigned int>>(random.index(4) + (step > 0 ? 0 : 1)));
+    for (auto& slots : next.shapes) {
+      slots.resize(random.index(3) + 1);
+      for (unsigned int& count : slots) count = random.index(3);
+    }
+    ASSERT_TRUE(state.resizeDatabaseToSystem(next));
+    for (auto entry = model.begin(); entry != model.end();) {
+      auto const [m1, l1, s1, m2, l2, s2] = entry->first;
+      auto const keyOf = [](unsigned m, unsigned l, unsigned s) {
+        return Key(static_cast<int>(m), static_cast<int>(l), static_cast<int>(s));
+      };
+      entry = next.has(keyOf(m1, l1, s1)) && next.has(keyOf(m2, l2, s2)) ? std::next(entry) : model.erase(entry);
+    }
+    stored += compareWithModel(state, next, model);
+    for (Key const& a : next.keys()) {
+      for (Key const& b : next.keys()) {
+        double const distance = random.real();
+        EXPECT_TRUE(state.setDistance(a, b, distance));
+        model[orderedPair(a, b)] = distance;
+      }
+      for (Key const& beyond : {Key(a.manipID(), a.linkID(), 9), Key(a.manipID(), 9, 0), Key(9, 0, 0),
+                                Key(a.manipID(), -1, 0), Key(a.manipID(), a.linkID(), -1), Key::invalidKey()}) {
+        EXPECT_EQ(state.getProximityData(a, beyond), nullptr);
+        EXPECT_EQ(state.getProximityData(beyond, a), nullptr);
+      }
+    }
+    compareWithModel(state, next, model);
+  }
+  EXPECT_GT(stored, 50) << "records have been kept";
+}
+
+TEST(ProximityState, OnlyPairsOfDifferentManipulatorsShareARecord) {
+  State state;
+  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem::uniform(2, 2, 2)));
+  Key const a(0, 0, 1), b(1, 1, 0), c(1, 0, 0);
+  EXPECT_EQ(state.getData(a, b), state.getData(b, a));
+  EXPECT_NE(state.getData(b, c), state.getData(c, b));
+  Key first(a), second(b);
+  EXPECT_TRUE(state.makeKeysCompatible(first, second));
+  EXPECT_EQ(first, b);
+  EXPECT_EQ(second, a);
+  EXPECT_TRUE(state.makeKeysCompatible(first, second));
+  EXPECT_EQ(first, b);
+  unsigned int i = 1, j = 2;
+  EXPECT_TRUE(state.makeIndicesCompatible(i, j));
+  EXPECT_EQ(i, 1U);
+}
+
+TEST(ProximityState, AllocatingOperationsGrowAndGiveUpNothing) {
+  State state;
+  CountedSystem const arm({{0, 1, 1}}), scene({{1}, {0, 3}});
+  Key const base(0, theReserved, 0), link(0, 1, 0), other(1, 0, 2);
+  EXPECT_FALSE(state.isInitialized());
+  EXPECT_TRUE(state.allocateAndSetProximityDistance(link, link, arm, 5.0));
+  EXPECT_TRUE(state.isInitialized());
+  EXPECT_TRUE(state.allocateAndSetProximityVector(base, other, scene, {1, 2, 3}));
+  EXPECT_EQ(state.getDistance(link, link), 5.0) << "a link that only the first system has";
+  EXPECT_EQ(state.allocateAndGetProximityVector(other, base, scene), ZuVector(1, 2, 3));
+  EXPECT_EQ(state.allocateAndGetProximityDistance(link, link, scene), 5.0);
+  EXPECT_NE(state.getProximityData(link, other), nullptr);
+  EXPECT_FALSE(state.allocateAndSetProximityData(Key(0, 5, 0), link, scene, Data::testObject()));
+  EXPECT_TRUE(state.allocateAndSetProximityData(other, other, scene, Data::testObject()));
+  EXPECT_EQ(*static_cast<State const&>(state).allocateAndGetProximityData(other, other, scene), Data::testObject());
+  AllocationCounter const counter;
+  Data* const record = state.allocateAndGetProximityData(other, link, scene);
+  EXPECT_EQ(record, state.getProximityData(other, link));
+  EXPECT_EQ(counter.count(), 0U);
+}
+
+TEST(ProximityState, ResultsAreCurrentUntilTheTimeMovesOn) {
+  State state;
+  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem::uniform(2, 1, 1)));
+  Key const a(1, 0, 0), b(0, 0, 0);
+  auto const validity = [&] {
+    return std::make_tuple(state.isValid(a, b), state.isDistanceValid(a, b), state.areWitnessPointsValid(a, b));
+  };
+  EXPECT_EQ(validity(), std::make_tuple(false, false, false)) << "nothing was stored at time 0";
+  EXPECT_TRUE(state.setDistance(a, b, 1.0));
+  EXPECT_EQ(validity(), std::make_tuple(false, true, false));
+  state.setWitnessPoints(a, b, {1, 0, 0}, {2, 0, 0});
+  EXPECT_EQ(validity(), std::make_tuple(false, true, true));
+  state.setValid(a, b);
+  EXPECT_EQ(validity(), std::make_tuple(true, true, true));
+  state.invalidateAll();
+  EXPECT_EQ(state.updateTime(), 1U);
+  EXPECT_EQ(validity(), std::make_tuple(false, false, false));
+  state.setValid(a, b);
+  EXPECT_EQ(validity(), std::make_tuple(true, true, false));
+  state.setUpdateTime(77);
+  state.getProximityData(a, b)->storeResult(2.0, {0, 0, 1}, {3, 0, 0}, {4, 0, 0}, 77);
+  EXPECT_EQ(validity(), std::make_tuple(false, true, true));
+}
+
+TEST(ProximityState, AMissingPairReadsNeutralAndIsNeverValid) {
+  State state;
+  state.setIsInitialized(true);
+  EXPECT_TRUE(state.isInitialized());
+  Key const a(0, 0, 0), b(0, 0, 1);
+  EXPECT_FALSE(state.setDistance(a, b, 1.0));
+  EXPECT_FALSE(state.setProximityData(a, b, Data()));
+  state.setProximityVector(a, b, {1, 0, 0});
+  state.setWitnessPoints(a, b, {1, 0, 0}, {1, 0, 0});
+  state.setCollisionOccured(a, b, true);
+  state.setFrictionMode(a, b, Data::NEW_CONTACT);
+  state.insertPenetrationPointShape1Primary(a, b, {});
+  state.insertPenetrationPointShape2Primary(a, b, {});
+  state.resetPenetrationPointBuffers(a, b);
+  for (std::uint64_t const time : {std::uint64_t{0}, Data::m_theNever}) {
+    state.setUpdateTime(time);
+    state.setValid(a, b);
+    EXPECT_FALSE(state.isValid(a, b) || state.isDistanceValid(a, b) || state.areWitnessPointsValid(a, b));
+  }
+  ZuVector w1(1, 1, 1), w2(1, 1, 1);
+  state.getWitnessPoints(a, b, w1, w2);
+  EXPECT_EQ(
+      std::make_tuple(state.getDistance(a, b), state.getProximityVector(a, b), w1, w2, state.collisionOccured(a, b)),
+      std::make_tuple(0.0, ZuVector(), ZuVector(), ZuVector(), false));
+  EXPECT_EQ(State::m_theNullShapeData, Data());
+  EXPECT_EQ(State::m_theNullDatum, Data());
+}
+
+TEST(ProximityState, OperationsOnAPairReachItsRecord) {
+  State state;
+  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem::uniform(1, 1, 2)));
+  Key const a(0, 0, 0), b(0, 0, 1);
+  state.setProximityVector(a, b, {1, 0, 0});
+  state.setCollisionOccured(a, b, true);
+  state.setFrictionMode(a, b, Data::NEW_CONTACT);
+  state.insertPenetrationPointShape1Primary(a, b, {2, 0, 0});
+  state.insertPenetrationPointShape2Primary(a, b, {3, 0, 0});
+  Data const& record = *static_cast<State const&>(state).getProximityData(a, b);
+  EXPECT_EQ(record.proximityVector(), ZuVector(1, 0, 0));
+  EXPECT_EQ(state.getProximityVector(a, b), ZuVector(1, 0, 0));
+  EXPECT_TRUE(record.collisionOccurred() && state.collisionOccured(a, b));
+  EXPECT_EQ(record.frictionMode(), Data::NEW_CONTACT);
+  EXPECT_EQ(*record.getPenetrationPointShape1Primary(0), ZuVector(2, 0, 0));
+  EXPECT_EQ(*record.getPenetrationPointShape2Primary(0), ZuVector(3, 0, 0));
+  State const copy(state);
+  EXPECT_TRUE(copy == state && state.selfTest());
+  state.resetPenetrationPointBuffers(a, b);
+  EXPECT_EQ(record.numPenetrationPoints(), 0U);
+  EXPECT_FALSE(copy == state);
+  EXPECT_EQ(*state.getProximityData(b, a), Data());
+}
+
+TEST(ProximityState, ASystemTooLargeToHoldIsRefusedAndChangesNothing) {
+  State state;
+  ASSERT_TRUE(state.allocateAndSetProximityDistance({0, 0, 0}, {0, 0, 0}, CountedSystem({{0, 1}}), 3.0));
+  PrintSink sink;
+  // Too many shapes to number, too many pairs to number, too many pairs to hold.
+  for (auto const& counts : {std::vector<unsigned int>{4294967295U, 1}, {0, 4294967295U}, {0, 2000000000U}}) {
+    EXPECT_FALSE(state.resizeDatabaseToSystem(CountedSystem({counts})));
+    ASSERT_EQ(sink.take(),
+              std::vector<std::string>{"ZuBaseShapeDataCache::fitTo-->no memory for the pairs of 1 manipulators"});
+    EXPECT_EQ(state.getDistance({0, 0, 0}, {0, 0, 0}), 3.0);
+  }
+}
+
+TEST(ProximityState, APairThatNeverTouchedTakesAtMost400Bytes) {
+  struct Case {
+    unsigned int manipulators, links, shapesOfALink;
+  } const cases[] = {{10, 10, 1}, {10, 10, 10}, {2, 7, 7}, {100, 1, 1}};
+  for (Case const& c : cases) {
+    CountedSystem const system = CountedSystem::uniform(c.manipulators, c.links, c.shapesOfALink);
+    double const shapes = c.manipulators * c.links * c.shapesOfALink;
+    double const pairs = shapes * (shapes - 1.0) / 2.0;
+    AllocationCounter const counter;
+    State state;
+    ASSERT_TRUE(state.resizeDatabaseToSystem(system));
+    double const bytesPerPair = static_cast<double>(counter.bytes()) / pairs;
+    std::string const name =
+        std::to_string(c.manipulators) + 'x' + std::to_string(c.links) + 'x' + std::to_string(c.shapesOfALink);
+    RecordProperty("bytes_per_pair_" + name, std::to_string(bytesPerPair));
+    EXPECT_LE(bytesPerPair, 400.0) << name;
+  }
+}
