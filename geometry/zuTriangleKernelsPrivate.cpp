@@ -14,11 +14,10 @@ ZuVector nearer(ZuVector const& point, ZuVector const& first, ZuVector const& se
   return first.distanceSquaredTo(point) <= second.distanceSquaredTo(point) ? first : second;
 }
 
-/// A triangle turned so that its longest edge comes first.
-Triangle longestEdgeFirst(Triangle const& t) {
-  double const ab = t.a.distanceSquaredTo(t.b), bc = t.b.distanceSquaredTo(t.c), ca = t.c.distanceSquaredTo(t.a);
-  if (bc > ab && bc >= ca) return {t.b, t.c, t.a};
-  return ca > ab ? Triangle{t.c, t.a, t.b} : t;
+ZuVector closestPointOnEdges(Triangle const& t, ZuVector const& point) {
+  ZuVector const onSides =
+      nearer(point, closestPoint(Segment{t.b, t.c}, point), closestPoint(Segment{t.c, t.a}, point));
+  return nearer(point, closestPoint(Segment{t.a, t.b}, point), onSides);
 }
 
 /// Squared distance of the carrier lines when the points nearest to each other lie inside both segments, `best`
@@ -128,24 +127,31 @@ ZuVector closestPoint(Segment const& segment, ZuVector const& point) {
   return along >= whole ? segment.q : segment.p + d * (along / whole);
 }
 
-// With the longest edge o + t e and the apex at o + f e + h, h square to e, a point of the plane is o + t e + y h; its
-// weights are y for the apex, t - f y for the edge's end and the rest for o. However flat the triangle is, t and the
-// offset y h are good to an ulp of the longest edge.
+// With e from a to b, and h, square to e, from the foot of c on that line, at a + f e, to c: the point of the plane
+// next to p is a + t e + y h, with the weight y for c, t - f y for b and the rest for a. A weight below 0 puts p beyond
+// the opposite edge: beyond one edge, the nearest point is on it; beyond two, on one of them. In a needle h may be
+// rounding only, and y anything; but t e is good to an ulp of the triangle's extent, h itself is not longer than that,
+// and whatever the sign of y, the edges chosen cover the needle's length.
 ZuVector closestPoint(Triangle const& triangle, ZuVector const& point) {
-  Triangle const t = longestEdgeFirst(triangle);
-  ZuVector const e = t.b - t.a, toApex = t.c - t.a, toPoint = point - t.a;
+  auto const& [a, b, c] = triangle;
+  ZuVector const e = b - a, toC = c - a, toPoint = point - a;
   double const ee = e.magSquared();
-  if (!(ee > 0.0)) return t.a;
-  double const footOfApex = toApex.dot(e) / ee, footOfPoint = toPoint.dot(e) / ee;
-  ZuVector const h = toApex - e * footOfApex;
+  if (!(ee > 0.0)) return closestPoint(Segment{a, c}, point);
+  double const f = toC.dot(e) / ee, t = toPoint.dot(e) / ee;
+  ZuVector const h = toC - e * f;
   double const hh = h.magSquared();
-  if (hh > 0.0) {
-    double const apex = (toPoint - e * footOfPoint).dot(h) / hh, end = footOfPoint - footOfApex * apex;
-    if (apex >= 0.0 && end >= 0.0 && apex + end <= 1.0) return t.a + (e * footOfPoint + h * apex);
+  if (!(hh > 0.0)) return closestPointOnEdges(triangle, point);
+  double const y = (toPoint - e * t).dot(h) / hh;
+  bool const beyondAB = y < 0.0, beyondCA = t - f * y < 0.0, beyondBC = (1.0 - t) - (1.0 - f) * y < 0.0;
+  if (!(beyondAB || beyondCA || beyondBC)) return a + (e * t + h * y);
+  if (!beyondAB) {
+    if (!beyondCA) return closestPoint(Segment{b, c}, point);
+    if (!beyondBC) return closestPoint(Segment{c, a}, point);
+    return nearer(point, closestPoint(Segment{b, c}, point), closestPoint(Segment{c, a}, point));
   }
-  ZuVector const onSides =
-      nearer(point, closestPoint(Segment{t.b, t.c}, point), closestPoint(Segment{t.c, t.a}, point));
-  return nearer(point, closestPoint(Segment{t.a, t.b}, point), onSides);
+  ZuVector const onAB = t <= 0.0 ? a : (t >= 1.0 ? b : a + e * t);
+  if (beyondBC) return nearer(point, onAB, closestPoint(Segment{b, c}, point));
+  return beyondCA ? nearer(point, onAB, closestPoint(Segment{c, a}, point)) : onAB;
 }
 
 double distanceSquared(Triangle const& triangle, ZuVector const& point) {

@@ -23,8 +23,7 @@ struct Triangle {
 };
 
 ZuVector closestPoint(Segment const& segment, ZuVector const& point);
-/// The point of the triangle nearest to the point. Near-degenerate triangles are handled by measuring along the longest
-/// edge and square to it, so that a needle loses no digits.
+/// The point of the triangle nearest to the point; a needle loses no digits.
 ZuVector closestPoint(Triangle const& triangle, ZuVector const& point);
 
 double distanceSquared(Triangle const& triangle, ZuVector const& point);
