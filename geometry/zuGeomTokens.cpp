@@ -43,4 +43,9 @@ ZuToken const ZuAxisAlignedBoundingBoxToken("axisAlignedBoundingBox");
 ZuToken const ZuAbbMinExtentToken("abbMinExtent");
 ZuToken const ZuAbbMaxExtentToken("abbMaxExtent");
 
+ZuToken const ZuGeometryOverwriteDescriptorToken("geometryOverwriteDescriptor");
+ZuToken const ZuScaleToken("scale");
+ZuToken const ZuFrameToken("frame");
+ZuToken const ZuReverseToken("reverse");
+
 }  // namespace ZuGeom

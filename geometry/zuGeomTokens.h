@@ -52,4 +52,10 @@ extern ZU_API ZuToken const ZuAxisAlignedBoundingBoxToken;
 extern ZU_API ZuToken const ZuAbbMinExtentToken;
 extern ZU_API ZuToken const ZuAbbMaxExtentToken;
 
+// Meshes
+extern ZU_API ZuToken const ZuGeometryOverwriteDescriptorToken;
+extern ZU_API ZuToken const ZuScaleToken;
+extern ZU_API ZuToken const ZuFrameToken;
+extern ZU_API ZuToken const ZuReverseToken;
+
 }  // namespace ZuGeom

@@ -19,6 +19,7 @@
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTriangle.h"
+#include "geometry/zuGeometryOverwriteDescriptor.h"
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuPlanarVector.h"
@@ -40,7 +41,7 @@ using ValueClasses =
     std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
                ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane,
-               ZuAxisAlignedBoundingBox, ZuPlanarVector, ZuTriangle, ZuGeomTriangle>;
+               ZuAxisAlignedBoundingBox, ZuPlanarVector, ZuTriangle, ZuGeomTriangle, ZuGeometryOverwriteDescriptor>;
 
 /// Classes that own memory for what they hold.
 using OwningClasses =
