@@ -75,7 +75,7 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
     std::map<K, V> entries;
     for (bool more = reader.firstItem(); more; more = reader.nextSibling()) {
       Entry entry;
-      if (reader.name() != "entry") return reader.refuse("an element other than <entry>");
+      if (reader.name() != Entry::classToken().token()) return reader.refuse("an element other than <entry>");
       if (!entry.read(reader)) return reader.refuseSilently();
       if (!(entry.key == entry.key)) return reader.refuse("a key that is not a number");
       entry.value.setSpecified(true);
@@ -88,11 +88,11 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
   bool write(ZuXmlWriter& writer) const override {
     if (writer.failed()) return false;
     for (auto const& [key, value] : m_Entries) {
-      writer.open("entry");
-      writer.open("key");
+      writer.open(Entry::classToken());
+      writer.open(keyToken());
       if (!key.write(writer)) return false;
       writer.close();
-      writer.open("value");
+      writer.open(valueToken());
       if (!value.write(writer)) return false;
       writer.close();
       writer.close();
@@ -102,7 +102,7 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
   bool writeSchema(ZuXmlSchema& schema) const override {
     if (!schema.beginType(*this)) return true;
     schema.beginGroup("sequence");
-    schema.beginElement("entry", 0, ZuXmlSchema::m_theUnbounded);
+    schema.beginElement(Entry::classToken(), 0, ZuXmlSchema::m_theUnbounded);
     Entry().writeSchema(schema);
     schema.endElement();
     schema.endGroup();
@@ -122,13 +122,22 @@ class ZU_API ZuXmlMapType : public ZuXmlClass<ZuXmlMapType<K, V>, ZuXmlObject> {
   }
 
  private:
+  static ZuToken const& keyToken() {
+    static ZuToken const theToken("key");
+    return theToken;
+  }
+  static ZuToken const& valueToken() {
+    static ZuToken const theToken("value");
+    return theToken;
+  }
+
   struct Entry : ZuXmlClass<Entry, ZuXmlCompoundType> {
     K key;
     V value;
     bool operator==(Entry const& other) const { return key == other.key && value == other.value; }
     void registerComponents() override {
-      this->registerComponent("key", &key);
-      this->registerComponent("value", &value);
+      this->registerComponent(keyToken(), &key);
+      this->registerComponent(valueToken(), &value);
     }
     static ZuToken const& classToken() {
       static ZuToken const theToken("entry");

@@ -25,8 +25,10 @@ class ZU_API ZuXmlPairType : public ZuXmlClass<ZuXmlPairType<A, B>, ZuXmlCompoun
 
   // See ZuXmlCompoundType
   void registerComponents() override {
-    this->registerComponent("first", &m_First);
-    this->registerComponent("second", &m_Second);
+    static ZuToken const theFirst("first");
+    static ZuToken const theSecond("second");
+    this->registerComponent(theFirst, &m_First);
+    this->registerComponent(theSecond, &m_Second);
   }
 
   static ZuToken const& classToken() {
