@@ -62,8 +62,8 @@ bool ZuXmlReader::parse() {
   // The parser works on a copy, so that the document still has the lines that messages tell.
   pugi::xml_parse_result const result =
       m_Cursor->document.load_buffer(m_Document.data(), m_Document.size(), options, pugi::encoding_utf8);
-  if (!result)
-    return refuseAt(static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)), result.description());
+  auto const offset = static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0));
+  if (!result) return refuseAt(offset, result.description());
   pugi::xml_node const root = m_Cursor->document.first_child();
   if (root.empty()) return refuse("no element");
   for (pugi::xml_node node = root; !node.empty(); node = node.next_sibling()) {

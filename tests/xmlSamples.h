@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "foundation/zuXmlBaseVariableCompoundType.h"
 #include "foundation/zuXmlBasicType.h"
@@ -21,22 +22,8 @@ using Text = ZuXmlBasicType<std::string>;
 /// element: a node inside the node.
 class Node : public ZuXmlClass<Node, ZuXmlCompoundType> {
  public:
-  Node() = default;
-  Node(Node const& other)
-      : ZuXmlClass(other),
-        name(other.name),
-        weight(other.weight),
-        inner(other.inner ? new Node(*other.inner) : nullptr) {}
-  Node& operator=(Node const& other) {
-    ZuXmlCompoundType::operator=(other);
-    name = other.name;
-    weight = other.weight;
-    inner.reset(other.inner ? new Node(*other.inner) : nullptr);
-    return *this;
-  }
   bool operator==(Node const& other) const {
-    bool const sameInner = inner && other.inner ? *inner == *other.inner : inner == other.inner;
-    return name == other.name && weight == other.weight && sameInner;
+    return name == other.name && weight == other.weight && inner == other.inner;
   }
 
   void registerComponents() override {
@@ -51,14 +38,13 @@ class Node : public ZuXmlClass<Node, ZuXmlCompoundType> {
   }
   bool readValueFromSpecialToken(ZuToken const& token, ZuXmlReader& reader) override {
     if (token != classToken()) return ZuXmlCompoundType::readValueFromSpecialToken(token, reader);
-    inner = std::make_unique<Node>();
-    return inner->read(reader);
+    inner.assign(1, Node());
+    return inner[0].read(reader);
   }
   bool writeElements(ZuXmlWriter& writer) const override {
-    if (!ZuXmlCompoundType::writeElements(writer)) return false;
-    if (!inner) return true;
+    if (!ZuXmlCompoundType::writeElements(writer) || inner.empty()) return !writer.failed();
     writer.open(classToken());
-    bool const written = inner->write(writer);
+    bool const written = inner[0].write(writer);
     writer.close();
     return written;
   }
@@ -71,7 +57,7 @@ class Node : public ZuXmlClass<Node, ZuXmlCompoundType> {
     Node sample;
     sample.name = std::string("a \"b\"\n<c>");
     sample.weight = 1.5;
-    sample.inner = std::make_unique<Node>();
+    sample.inner.resize(1);
     return sample;
   }
 
@@ -79,7 +65,7 @@ class Node : public ZuXmlClass<Node, ZuXmlCompoundType> {
   Text kind = Text("sample");
   Real weight;
   Text unit = Text("kg");
-  std::unique_ptr<Node> inner;
+  std::vector<Node> inner;  ///< at most one
 };
 
 /// A container that knows every kind of value.

@@ -261,9 +261,9 @@ TEST(XmlDocument, IsNotWrittenWhenItCouldNotBeRead) {
   for (unsigned int const nodes : {255U, 256U, 5000U}) {
     Node chain;
     for (unsigned int i = 1; i < nodes; ++i) {
-      auto inner = std::make_unique<Node>();
-      std::swap(inner->inner, chain.inner);
-      chain.inner = std::move(inner);
+      std::vector<Node> inner(1);
+      inner[0].inner.swap(chain.inner);
+      chain.inner.swap(inner);
     }
     PrintSink sink;
     bool const fits = nodes < ZuXmlReader::m_theMaximumNesting;
@@ -280,7 +280,7 @@ TEST(XmlDocument, TellsWhatItHeld) {
   EXPECT_TRUE(node.specified());
   EXPECT_TRUE(node.name.specified());
   EXPECT_FALSE(node.weight.specified());
-  EXPECT_FALSE(node.inner);
+  EXPECT_TRUE(node.inner.empty());
   EXPECT_FALSE(node.equalsDefault());
   ASSERT_TRUE(node.readFromBuffer("<node><weight>0</weight></node>"));
   EXPECT_FALSE(node.name.specified());
