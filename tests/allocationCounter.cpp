@@ -14,13 +14,19 @@ std::atomic<long long> theBytes{0};
 /// What a block takes from the heap: what is usable, and the word before it.
 long long bytesOf(void* memory) { return static_cast<long long>(malloc_usable_size(memory) + sizeof(std::size_t)); }
 
-void* allocate(std::size_t size, std::size_t alignment) {
+/// Null when there is no memory.
+void* allocateOrNull(std::size_t size, std::size_t alignment) {
   ++theAllocations;
   void* const memory = alignment <= alignof(std::max_align_t)
                            ? std::malloc(size)
                            : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+  if (memory != nullptr) theBytes += bytesOf(memory);
+  return memory;
+}
+
+void* allocate(std::size_t size, std::size_t alignment) {
+  void* const memory = allocateOrNull(size, alignment);
   if (memory == nullptr) throw std::bad_alloc();
-  theBytes += bytesOf(memory);
   return memory;
 }
 
@@ -40,6 +46,9 @@ long long AllocationCounter::bytes() const { return theBytes - m_StartBytes; }
 
 void* operator new(std::size_t size) { return allocate(size, 1); }
 void* operator new[](std::size_t size) { return allocate(size, 1); }
+// Sanitizers bring these themselves, and would miss a block that is released here.
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return allocateOrNull(size, 1); }
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return allocateOrNull(size, 1); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
   return allocate(size, static_cast<std::size_t>(alignment));
 }
