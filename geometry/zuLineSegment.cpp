@@ -23,7 +23,10 @@ void ZuLineSegment::setEndpoint1(ZuVector const& endpoint1) {
 }
 
 void ZuLineSegment::setEndpoints(ZuVector const& endpoint0, ZuVector const& endpoint1) {
-  *this = ZuLineSegment(endpoint0, endpoint1);
+  ZuVector const second = endpoint1;  // may be this segment's endpoint 0
+  m_Endpoint0 = endpoint0;
+  m_Endpoint1 = second;
+  update();
 }
 
 void ZuLineSegment::transformBy(ZuCoordinateSystemTransformation const& t_12) {

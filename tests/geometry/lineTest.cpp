@@ -195,6 +195,10 @@ TEST(LineSegment, DeltaAndLengthFollowTheEndpoints) {
     EXPECT_EQ(segment.length(), 5.0);
     EXPECT_EQ(segment.center(), ZuVector(2.5, 4, 3));
   }
+  set.setEndpoints(set.endpoint1(), set.endpoint0());
+  EXPECT_EQ(set, ZuLineSegment(q, p));
+  set.swapEndpoints();
+  EXPECT_EQ(set.delta(), ZuVector(3, 4, 0));
   set.swapEndpoints();
   EXPECT_EQ(set, ZuLineSegment(q, p));
   EXPECT_EQ(set.delta(), ZuVector(-3, -4, 0));

@@ -254,7 +254,9 @@ TEST(ProximityData, TheRingKeepsTheLastFortyPoints) {
       EXPECT_NE(data.getPenetrationPointShape1Primary(4294967295U), nullptr);
     }
   }
-  EXPECT_EQ(data.penetrationPointPrimary(0, 0), nullptr) << "prints a line";
+  PrintSink const sink;
+  EXPECT_EQ(data.penetrationPointPrimary(0, 0), nullptr);
+  EXPECT_EQ(sink.messages().size(), 1U);
   data.resetPenetrationPointBuffers();
   EXPECT_EQ(data.getPenetrationPointShape2Primary(0), nullptr);
   data.insertPenetrationPointShape1Primary({7, 7, 7});
