@@ -23,8 +23,8 @@
 ///    is the same for the same input; it grows by powers of ten where Qhull can't make a hull with it.
 /// 2. The surface is closed and its facets are oriented alike, in Qhull's order: seen from outside, the corners 0, 1, 2
 ///    run CLOCKWISE. `ZuTriangle::reverse()` turns a facet over where the other order is wanted.
-/// 3. At least four points are needed, and not all in one place. Points on one line or in one plane are accepted;
-///    spansVolume() tells beforehand whether the hull will be a solid.
+/// 3. At least four points are needed. They may lie in one plane, on one line or in one place; spansVolume() tells
+///    beforehand whether the hull will be a solid.
 /// 4. The scale and the place of the points do not matter: they are brought to the size of 1, and near the origin when
 ///    they are far from it.
 ///
