@@ -22,7 +22,7 @@ namespace ZuXmlTransport {
 namespace {
 
 constexpr std::size_t theLimit = ZuXmlReader::m_theMaximumDocumentSize;
-constexpr std::size_t theChunk = std::size_t{1} << 18;  // bytes; large enough that calls cost nothing
+constexpr std::size_t theChunk = std::size_t{1} << 16;  // bytes; calls cost nothing, nor does a small document
 constexpr char const* theTooLarge = "larger than a document may be";
 
 bool refuse(char const* function, std::string const& name, char const* why) {

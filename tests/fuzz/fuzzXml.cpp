@@ -38,16 +38,15 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   }();
   require(theSinkIsSet && size < std::size_t{1} << 30);
   std::string const bytes(reinterpret_cast<char const*>(data), size);
-  for (bool const compressed : {false, true}) {
-    ZuXmlBaseVariableCompoundType target = filled();
-    theMessages = 0;
-    if (compressed ? target.readFromCompressedBuffer(bytes) : target.readFromBuffer(bytes)) {
-      require(theMessages == 0);
-      checkAccepted(target);
-    } else {
-      require(theMessages == 1);
-      require(documentOf(target) == theOldDocument);
-    }
+  bool const compressed = bytes.compare(0, 2, "\x1F\x8B") == 0 || bytes.compare(0, 2, "\x28\xB5") == 0;
+  ZuXmlBaseVariableCompoundType target = filled();
+  theMessages = 0;
+  if (compressed ? target.readFromCompressedBuffer(bytes) : target.readFromBuffer(bytes)) {
+    require(theMessages == 0);
+    checkAccepted(target);
+  } else {
+    require(theMessages == 1);
+    require(documentOf(target) == theOldDocument);
   }
   return 0;
 }
