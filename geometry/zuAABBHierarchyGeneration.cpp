@@ -143,7 +143,7 @@ double ZuAABBHierarchyGeneration::SegmentBound::distanceSquaredTo(Box const& box
 }
 
 // The part of the line within each slab, from differences of coordinates, which are exact to a relative rounding. The
-// upper ends are widened by that (T. Ize, "Robust BVH Ray Traversal", 2013).
+// upper ends are widened by that (Ize 2013).
 bool ZuAABBHierarchyGeneration::SegmentBound::mayMeet(Box const& box) const {
   if (!m_Box.overlaps(box)) return false;
   double first = 0.0, last = 1.0 + theSlack;

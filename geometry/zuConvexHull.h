@@ -10,10 +10,8 @@
 #include "geometry/zuPolygon.h"
 #include "geometry/zuTriangle.h"
 
-/// Computes convex hulls with the Qhull library (C. B. Barber, D. P. Dobkin and H. Huhdanpaa, "The Quickhull Algorithm
-/// for Convex Hulls", 1996) and hands them out in five forms. An object keeps two work buffers, which only grow, so
-/// that hulls of similar size follow each other without allocations of ours; copies share nothing and start without
-/// buffers.
+/// Computes convex hulls with the Qhull library (Barber et al. 1996) and hands them out in five forms. An object keeps
+/// two work buffers, which only grow; copies share nothing and start without buffers.
 ///
 /// Hulls in space:
 /// 1. The points are disturbed by about 4e-11 of their extent before the hull is computed, so that every facet is a
