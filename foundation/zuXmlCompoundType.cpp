@@ -1,5 +1,6 @@
 #include "foundation/zuXmlCompoundType.h"
 
+#include "foundation/zuBaseExpressionTreeElement.h"
 #include "foundation/zuXmlObjectVisitor.h"
 #include "foundation/zuXmlReader.h"
 #include "foundation/zuXmlSchema.h"
@@ -13,6 +14,13 @@ void writeSchemaOf(ZuXmlComponentMap const& map, ZuXmlSchema& schema) {
     component.object->writeSchema(schema);
     schema.endElement();
   }
+}
+
+/// A child knows the container of its parent, which tells what the child may hold in turn.
+void shareContainer(ZuXmlCompoundType const& parent, ZuXmlObject& child) {
+  auto const* const owned = dynamic_cast<ZuBaseExpressionTreeElement const*>(&parent);
+  auto* const element = dynamic_cast<ZuBaseExpressionTreeElement*>(&child);
+  if (owned != nullptr && element != nullptr) element->setContainer(owned->container());
 }
 
 bool isReadOnly(ZuXmlComponentMap const& map, ZuToken const& token) {
@@ -148,6 +156,7 @@ bool ZuXmlCompoundType::writeSchemaElements(ZuXmlSchema& schema) const {
   for (auto const& [token, creator] : specialDescriptorMap()) {
     std::unique_ptr<ZuXmlObject> const sample(creator != nullptr ? creator() : nullptr);
     if (!sample) continue;
+    shareContainer(*this, *sample);
     schema.beginElement(token, 1, 1);
     sample->writeSchema(schema);
     schema.endElement();

@@ -1,8 +1,39 @@
 // Schemas: what they admit and what not; that each class's own documents validate is part of the persistence tests.
 #include <gtest/gtest.h>
 
+#include "foundation/zuBaseExpressionTreeElement.h"
 #include "tests/xmlSamples.h"
 #include "tests/xmlSchemaCheck.h"
+
+namespace {
+
+/// One of two classes of elements that hold, one in the other, elements of any class of their container.
+template <char Name>
+class Nest : public ZuXmlClass<Nest<Name>, ZuBaseExpressionTreeElement> {
+ public:
+  bool operator==(Nest const&) const { return true; }
+  void createSpecialDescriptorMap() override {
+    ZuBaseExpressionTreeElement::createSpecialDescriptorMap();
+    if (this->container() == nullptr) return;
+    for (auto const& [name, creator] : this->container()->creatorMap()) this->addSpecialDescriptor(name, creator);
+  }
+  static ZuToken const& classToken() {
+    static ZuToken const theToken(std::string(1, Name));
+    return theToken;
+  }
+  static Nest testObject() { return {}; }
+};
+
+}  // namespace
+
+TEST(XmlSchema, AdmitsElementsOfEveryClassAtEveryDepth) {
+  if (!xmllintIsInstalled()) GTEST_SKIP() << "xmllint is not installed";
+  ZuXmlBaseVariableCompoundType container;
+  container.registerComponentCreator(Nest<'a'>::classToken(), &Nest<'a'>::creator);
+  container.registerComponentCreator(Nest<'b'>::classToken(), &Nest<'b'>::creator);
+  EXPECT_EQ(schemaFault(container, "<root><a><b><a><b/></a></b></a></root>"), "");
+  EXPECT_NE(schemaFault(container, "<root><a><b><c/></b></a></root>"), "");
+}
 
 TEST(XmlSchema, AdmitsWhatIsWrittenAndNothingThatIsNoValue) {
   if (!xmllintIsInstalled()) GTEST_SKIP() << "xmllint is not installed";
