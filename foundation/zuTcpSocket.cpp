@@ -1,5 +1,3 @@
-#pragma GCC diagnostic ignored "-Wnull-dereference"  // seen in Asio's scheduler, where there are none
-
 #include "foundation/zuTcpSocket.h"
 
 #include <poll.h>
