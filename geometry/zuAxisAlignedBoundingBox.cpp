@@ -1,5 +1,6 @@
 #include "geometry/zuAxisAlignedBoundingBox.h"
 
+#include "geometry/zuCapsule.h"
 #include "geometry/zuGeomTokens.h"
 
 namespace {
@@ -68,6 +69,14 @@ unsigned int ZuAxisAlignedBoundingBox::longestAxis() const {
     }
   }
   return longest;
+}
+
+void ZuAxisAlignedBoundingBox::resize(ZuCapsule const& capsule) {
+  ZuVector const reach = ZuVector(1.0, 1.0, 1.0) * capsule.radius();
+  ZuVector const& end = capsule.lineSegment().endpoint0();
+  setCorners(end - reach, end + reach);
+  ZuVector const& otherEnd = capsule.lineSegment().endpoint1();
+  expandSelfToInclude(ZuAxisAlignedBoundingBox(otherEnd - reach, otherEnd + reach));
 }
 
 void ZuAxisAlignedBoundingBox::enlarge(double const& d) {

@@ -5,6 +5,8 @@
 #include "foundation/zuXmlVector.h"
 #include "foundation/zuXmlVectorType.h"
 
+class ZuCapsule;
+
 /// The closed box minCorner <= p <= maxCorner; the origin by default.
 ///
 /// Nothing enforces minCorner <= maxCorner: a box with a minimum above a maximum is kept as it is, and what that means
@@ -62,6 +64,8 @@ class ZU_API ZuAxisAlignedBoundingBox : public ZuXmlClass<ZuAxisAlignedBoundingB
   /// The product of the three extents, each plus 1, so that a flat box still counts by its area and a line by its
   /// length. The 1 is a length in the unit of the coordinates, which makes this no measure to compare between units.
   virtual double errorMetric() const { return (maxCorner() - minCorner() + ZuVector(1.0, 1.0, 1.0)).prod(); }
+  /// Becomes the smallest box around the capsule.
+  virtual void resize(ZuCapsule const& capsule);
   /// Moves each bound outward by d / 2. A negative d shrinks the box, unchecked; with 0 no bit changes.
   virtual void enlarge(double const& d);
   virtual ZuToken const& token() const { return classToken(); }

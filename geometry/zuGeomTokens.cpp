@@ -10,10 +10,12 @@ ZuToken const ZuDeformableToken("deformable");
 ZuToken const ZuCanDeformToken("canDeform");
 ZuToken const ZuUseAABBToken("useAABB");
 ZuToken const ZuBypassDynamicsToken("bypassDynamics");
+ZuToken const ZuShapesToken("shapes");
 
 ZuToken const ZuSphereToken("sphere");
 ZuToken const ZuCenterToken("center");
 ZuToken const ZuRadiusToken("radius");
+ZuToken const ZuCapsuleToken("capsule");
 
 ZuToken const ZuGeneralMotionToken("generalMotion");
 ZuToken const ZuGeneralForceToken("generalForce");
@@ -38,11 +40,28 @@ ZuToken const ZuPolygonWithKeyToken("polygonWithKey");
 ZuToken const ZuPointsToken("points");
 ZuToken const ZuPointIndicesToken("pointIndices");
 ZuToken const ZuSurfaceKeyToken("surfaceKey");
+ZuToken const ZuRectangleToken("rectangle");
+ZuToken const ZuHalfEdge0Token("halfEdge0");
+ZuToken const ZuHalfEdge1Token("halfEdge1");
+ZuToken const ZuCircleToken("circle");
+ZuToken const ZuNormalToken("normal");
 
 ZuToken const ZuAxisAlignedBoundingBoxToken("axisAlignedBoundingBox");
 ZuToken const ZuAbbMinExtentToken("abbMinExtent");
 ZuToken const ZuAbbMaxExtentToken("abbMaxExtent");
 
+ZuToken const ZuIsConvexToken("isConvex");
+ZuToken const ZuNormalsToken("normals");
+ZuToken const ZuRasterMapPointsToken("rasterMapPoints");
+ZuToken const ZuTipPointIndexToken("tipPointIndex");
+ZuToken const ZuEndPointIndexToken("endPointIndex");
+ZuToken const ZuLineAndNeighborsToken("lineAndNeighbors");
+ZuToken const ZuFacetGroupsToken("facetGroups");
+ZuToken const ZuFacetGroupToken("facetGroup");
+ZuToken const ZuFacetToken("facet");
+ZuToken const ZuFacetNormalsToken("facetNormals");
+ZuToken const ZuTriPhysicalExtentToken("triPhysicalExtent");
+ZuToken const ZuPolyPhysicalExtentToken("polyPhysicalExtent");
 ZuToken const ZuGeometryOverwriteDescriptorToken("geometryOverwriteDescriptor");
 ZuToken const ZuScaleToken("scale");
 ZuToken const ZuFrameToken("frame");

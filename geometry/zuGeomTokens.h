@@ -15,11 +15,13 @@ extern ZU_API ZuToken const ZuDeformableToken;
 extern ZU_API ZuToken const ZuCanDeformToken;
 extern ZU_API ZuToken const ZuUseAABBToken;
 extern ZU_API ZuToken const ZuBypassDynamicsToken;
+extern ZU_API ZuToken const ZuShapesToken;
 
 // Solids
 extern ZU_API ZuToken const ZuSphereToken;
 extern ZU_API ZuToken const ZuCenterToken;
 extern ZU_API ZuToken const ZuRadiusToken;
+extern ZU_API ZuToken const ZuCapsuleToken;
 
 // Spatial algebra
 extern ZU_API ZuToken const ZuGeneralMotionToken;
@@ -46,6 +48,11 @@ extern ZU_API ZuToken const ZuPolygonWithKeyToken;
 extern ZU_API ZuToken const ZuPointsToken;
 extern ZU_API ZuToken const ZuPointIndicesToken;
 extern ZU_API ZuToken const ZuSurfaceKeyToken;
+extern ZU_API ZuToken const ZuRectangleToken;
+extern ZU_API ZuToken const ZuHalfEdge0Token;
+extern ZU_API ZuToken const ZuHalfEdge1Token;
+extern ZU_API ZuToken const ZuCircleToken;
+extern ZU_API ZuToken const ZuNormalToken;
 
 // Boxes
 extern ZU_API ZuToken const ZuAxisAlignedBoundingBoxToken;
@@ -53,6 +60,18 @@ extern ZU_API ZuToken const ZuAbbMinExtentToken;
 extern ZU_API ZuToken const ZuAbbMaxExtentToken;
 
 // Meshes
+extern ZU_API ZuToken const ZuIsConvexToken;
+extern ZU_API ZuToken const ZuNormalsToken;
+extern ZU_API ZuToken const ZuRasterMapPointsToken;
+extern ZU_API ZuToken const ZuTipPointIndexToken;
+extern ZU_API ZuToken const ZuEndPointIndexToken;
+extern ZU_API ZuToken const ZuLineAndNeighborsToken;
+extern ZU_API ZuToken const ZuFacetGroupsToken;
+extern ZU_API ZuToken const ZuFacetGroupToken;
+extern ZU_API ZuToken const ZuFacetToken;
+extern ZU_API ZuToken const ZuFacetNormalsToken;
+extern ZU_API ZuToken const ZuTriPhysicalExtentToken;
+extern ZU_API ZuToken const ZuPolyPhysicalExtentToken;
 extern ZU_API ZuToken const ZuGeometryOverwriteDescriptorToken;
 extern ZU_API ZuToken const ZuScaleToken;
 extern ZU_API ZuToken const ZuFrameToken;

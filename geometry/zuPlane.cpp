@@ -1,7 +1,13 @@
 #include "geometry/zuPlane.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/zuCircle.h"
 #include "geometry/zuGeomTokens.h"
+#include "geometry/zuGeomTriangle.h"
 #include "geometry/zuLineSegment.h"
+#include "geometry/zuRectangle.h"
 
 namespace {
 
@@ -28,6 +34,45 @@ double ZuPlane::distanceTo(ZuVector const& p) const {
   double const height = heightOf(p);
   return signOf(height) * (height * m_Normal.value()).mag();
 }
+
+/// Of the convex hull of the corners: 0 when they are not all on one side.
+double ZuPlane::leastOf(std::initializer_list<ZuVector> corners) const {
+  double least = ZuPlane::distanceTo(*corners.begin());
+  int const side = signOf(least);
+  for (ZuVector const& corner : corners) {
+    double const distance = ZuPlane::distanceTo(corner);
+    if (signOf(distance) != side) return 0.0;
+    least = std::min(least, distance);
+  }
+  return least;
+}
+
+double ZuPlane::distanceTo(ZuRectangle const& rectangle) const {
+  return leastOf({rectangle.corner(0), rectangle.corner(1), rectangle.corner(2), rectangle.corner(3)});
+}
+
+double ZuPlane::distanceTo(ZuGeomTriangle const& triangle) const {
+  return leastOf({triangle.point(0), triangle.point(1), triangle.point(2)});
+}
+
+/// With n and m the normals of plane and circle, the height above the plane rises in the plane of the circle by
+/// sin = |m x n| per length, along (m x n) x m: the rim reaches radius * sin above and below the centre.
+double ZuPlane::distanceTo(ZuCircle const& circle, ZuVector& pointOnPlane, ZuVector& pointOnCircle) const {
+  ZuVector const across = circle.normal().cross(m_Normal.value().unitVector());
+  ZuVector const uphill = across.cross(circle.normal()).unitVector();
+  double const height = ZuPlane::distanceTo(circle.center());
+  double const reach = std::max(circle.radius(), 0.0) * across.mag();
+  if (std::abs(height) <= reach) {
+    pointOnCircle = height == 0.0 ? circle.center() : circle.center() - uphill * (height / across.mag());
+    pointOnPlane = pointOnCircle;
+    return 0.0;
+  }
+  pointOnCircle = circle.center() - uphill * std::copysign(std::max(circle.radius(), 0.0), height);
+  ZuPlane::calculateProjectionPoint(pointOnCircle, pointOnPlane);
+  return height - reach;
+}
+
+bool ZuPlane::checkIntersect(ZuGeomTriangle const& triangle) const { return ZuPlane::distanceTo(triangle) == 0.0; }
 
 void ZuPlane::calculateProjectionPoint(ZuVector const& point, ZuVector& projection) const {
   projection = point - heightOf(point) * m_Normal.value();

@@ -1,11 +1,16 @@
 // zuPlane.h - plane through a point, with a side to each hand. Group: figures.
 #pragma once
 
+#include <initializer_list>
+
 #include "foundation/zuCoordinateSystemTransformation.h"
 #include "foundation/zuXmlCompoundType.h"
 #include "foundation/zuXmlVector.h"
 
+class ZuCircle;
+class ZuGeomTriangle;
 class ZuLineSegment;
+class ZuRectangle;
 
 /// The points p with (p - basePoint).normal = 0; by default the plane through the origin with the normal (1, 0, 0).
 ///
@@ -30,6 +35,15 @@ class ZU_API ZuPlane : public ZuXmlClass<ZuPlane, ZuXmlCompoundType> {
   /// distance of its endpoint 0.
   virtual double distanceTo(ZuLineSegment const& segment) const;
   virtual double distanceTo(ZuVector const& p) const;
+  /// By the rule for segments: 0 when the figure touches or crosses the plane, otherwise the least of the signed
+  /// distances of its corners.
+  virtual double distanceTo(ZuRectangle const& rectangle) const;
+  virtual double distanceTo(ZuGeomTriangle const& triangle) const;
+  /// By the same rule for all points of the disc. The points are a closest pair, also on the negative side, where the
+  /// distance is that of the farthest point of the rim; where the two touch or cross, they are one point of both.
+  virtual double distanceTo(ZuCircle const& circle, ZuVector& pointOnPlane, ZuVector& pointOnCircle) const;
+  /// Whether the triangle touches or crosses the plane: whether its distance is 0.
+  virtual bool checkIntersect(ZuGeomTriangle const& triangle) const;
   /// Writes the orthogonal projection of the point onto the plane; the output may be the point.
   virtual void calculateProjectionPoint(ZuVector const& point, ZuVector& projection) const;
 
@@ -50,6 +64,7 @@ class ZU_API ZuPlane : public ZuXmlClass<ZuPlane, ZuXmlCompoundType> {
   /// parallel.
   static constexpr double m_theParallelTolerance = 1e-300;
 
+  double leastOf(std::initializer_list<ZuVector> corners) const;
   /// The signed distance of p in units of the normal's length.
   double heightOf(ZuVector const& p) const;
 

@@ -16,6 +16,8 @@
 #include "foundation/zuXmlVectorType.h"
 #include "foundation/zuXmlVectorVector.h"
 #include "geometry/zuAxisAlignedBoundingBox.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuCircle.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTriangle.h"
@@ -24,8 +26,13 @@
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuPlanarVector.h"
 #include "geometry/zuPlane.h"
+#include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuPolygon.h"
 #include "geometry/zuPolygonWithKey.h"
+#include "geometry/zuRectangle.h"
+#include "geometry/zuShapeContainer.h"
+#include "geometry/zuSphere.h"
+#include "geometry/zuTriPhysicalExtent.h"
 #include "geometry/zuTriangle.h"
 #include "tests/allocationCounter.h"
 #include "tests/printSink.h"
@@ -41,12 +48,14 @@ using ValueClasses =
     std::tuple<Real, ZuXmlBasicType<unsigned int>, ZuXmlBasicType<int>, ZuXmlBasicType<unsigned short>,
                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
                ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane,
-               ZuAxisAlignedBoundingBox, ZuPlanarVector, ZuTriangle, ZuGeomTriangle, ZuGeometryOverwriteDescriptor>;
+               ZuAxisAlignedBoundingBox, ZuPlanarVector, ZuTriangle, ZuGeomTriangle, ZuRectangle, ZuCircle,
+               ZuGeometryOverwriteDescriptor>;
 
 /// Classes that own memory for what they hold.
 using OwningClasses =
-    std::tuple<Text, ZuDataMap, ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
-               ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey>;
+    std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
+               ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
+               ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule>;
 
 template <class Tuple>
 struct TypesOf;

@@ -1,0 +1,957 @@
+#include "geometry/zuBasePhysicalExtent.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <tuple>
+
+#include "foundation/zuPrint.h"
+#include "foundation/zuXmlReader.h"
+#include "geometry/zuAABBCollisionDetection.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuConvexHull.h"
+#include "geometry/zuGeomTokens.h"
+#include "geometry/zuGeomTriangle.h"
+#include "geometry/zuLineSegment.h"
+#include "geometry/zuLoopTrianglesPrivate.h"
+#include "geometry/zuMeshSurfacePrivate.h"
+#include "geometry/zuPlane.h"
+#include "geometry/zuPolygon.h"
+#include "geometry/zuPolygonWithKey.h"
+#include "geometry/zuRectangle.h"
+#include "geometry/zuShapePointEvent.h"
+#include "geometry/zuShapeProximityData.h"
+#include "geometry/zuShapeProximityDescriptor.h"
+#include "geometry/zuSystemShapeProximityState.h"
+
+namespace {
+
+/// What the climb and bestNeighbor() start from: below the dot product of any vertex of a sane mesh.
+constexpr double theLowestDot = -1e16;
+
+char const* const theNoNeighborInfo = "ZuBasePhysicalExtent::supportPoint this physical ext has no neighbor info.";
+
+void print(char const* message) { Zu::Print::instance().write(Zu::PRINT_WARNING, "%s", message); }
+
+bool isZero(ZuVector const& v) { return v.x() == 0.0 && v.y() == 0.0 && v.z() == 0.0; }
+
+bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
+
+bool contains(ZuListView<unsigned int> list, unsigned int item) {
+  return std::find(list.begin(), list.end(), item) != list.end();
+}
+
+/// Whether the ascending list holds the facet. Lists are short but for the hub of a fan.
+bool holds(ZuListView<ZuFacetIndex> list, ZuFacetIndex const& facet) {
+  return std::binary_search(list.begin(), list.end(), facet);
+}
+
+/// Angle at b between the edges to a and c, rad; 0 where an edge has no length.
+double angleAt(ZuVector const& a, ZuVector const& b, ZuVector const& c) {
+  ZuVector const u = a - b, v = c - b;
+  return std::atan2(u.cross(v).mag(), u.dot(v));
+}
+
+void makeUnit(ZuXmlVectorVector& vectors) {
+  for (ZuVector& v : vectors) v.normalize();
+}
+
+ZuMeshSurface::Segment plainOf(ZuLineSegment const& s) { return {s.endpoint0(), s.endpoint1()}; }
+
+ZuMeshSurface::Triangle plainOf(ZuGeomTriangle const& t) { return {t.point(0), t.point(1), t.point(2)}; }
+
+/// The points in ascending order, each once.
+std::vector<ZuVector> differentPoints(ZuXmlVectorVector const& points) {
+  std::vector<ZuVector> different(points.begin(), points.end());
+  if (!std::all_of(different.begin(), different.end(), isFinite)) return {};
+  auto const isLess = [](ZuVector const& a, ZuVector const& b) {
+    return std::make_tuple(a.x(), a.y(), a.z()) < std::make_tuple(b.x(), b.y(), b.z());
+  };
+  std::sort(different.begin(), different.end(), isLess);
+  different.erase(std::unique(different.begin(), different.end()), different.end());
+  return different;
+}
+
+template <class List>
+void append(List& list, List const& added) {
+  for (auto const& item : added) list.pushBack(item);
+}
+
+}  // namespace
+
+std::string const ZuBasePhysicalExtent::m_TheNullMaterialType = "default";
+
+ZuBasePhysicalExtent::ZuBasePhysicalExtent() = default;
+
+ZuBasePhysicalExtent::~ZuBasePhysicalExtent() = default;
+
+ZuBasePhysicalExtent::ZuBasePhysicalExtent(ZuBasePhysicalExtent const& other) : ZuShape(other) { copyMesh(other); }
+
+ZuBasePhysicalExtent& ZuBasePhysicalExtent::operator=(ZuBasePhysicalExtent const& other) {
+  if (this == &other) return *this;
+  ZuShape::operator=(other);
+  copyMesh(other);
+  return *this;
+}
+
+void ZuBasePhysicalExtent::copyMesh(ZuBasePhysicalExtent const& other) {
+  m_IsConvex = other.m_IsConvex;
+  m_Points = other.m_Points;
+  m_Normals = other.m_Normals;
+  m_RasterMapPoints = other.m_RasterMapPoints;
+  m_TipPointIndex = other.m_TipPointIndex;
+  m_EndPointIndex = other.m_EndPointIndex;
+  m_SupportPointID = other.m_SupportPointID;
+  m_NearPointID = other.m_NearPointID;
+  m_VisitStamps = other.m_VisitStamps;
+  m_VisitStamp = other.m_VisitStamp;
+  m_Climb = other.m_Climb;
+  m_Derived = other.m_Derived;
+  m_Computed = other.m_Computed;
+  m_ModifiedFacets = other.m_ModifiedFacets;
+  m_ModIsCleanedUp = other.m_ModIsCleanedUp;
+  m_OverwriteDescriptor = other.m_OverwriteDescriptor;
+  m_Capsule.reset(other.m_Capsule ? new ZuCapsule(*other.m_Capsule) : nullptr);
+  m_Surface.reset();
+  m_RenderNode = other.m_RenderNode;
+}
+
+bool ZuBasePhysicalExtent::operator==(ZuBasePhysicalExtent const& other) const {
+  return ZuShape::operator==(other) && m_IsConvex == other.m_IsConvex && m_Points == other.m_Points &&
+         m_Normals == other.m_Normals && m_RasterMapPoints == other.m_RasterMapPoints &&
+         m_TipPointIndex == other.m_TipPointIndex && m_EndPointIndex == other.m_EndPointIndex;
+}
+
+void ZuBasePhysicalExtent::setPoints(ZuXmlVectorVector const& points) {
+  bool const sameNumber = points.size() == m_Points.size();
+  m_Points = points;
+  if (sameNumber) {
+    pointsMoved();
+  } else {
+    facetsChanged();
+  }
+}
+
+ZuVector const& ZuBasePhysicalExtent::point(unsigned int index) const {
+  static ZuVector const theZeroVector;
+  if (index < m_Points.size()) return m_Points[index];
+  print("ZuBasePhysicalExtent::point-->invalid index");
+  return theZeroVector;
+}
+
+void ZuBasePhysicalExtent::setPoint(unsigned int index, ZuVector const& point) {
+  if (index >= m_Points.size()) return;
+  m_Points[index] = point;
+  pointsMoved();
+}
+
+void ZuBasePhysicalExtent::resetNeighborFlags() {
+  m_Computed.reset();
+  m_Climb.isReady = false;
+}
+
+void ZuBasePhysicalExtent::setModIsCleanedUp(bool isCleanedUp) {
+  m_ModIsCleanedUp = isCleanedUp;
+  if (isCleanedUp) m_ModifiedFacets.clear();
+}
+
+void ZuBasePhysicalExtent::setGeometryOverwriteDescriptor(ZuGeometryOverwriteDescriptor const& descriptor) {
+  m_OverwriteDescriptor = descriptor;
+}
+
+ZuAABBHierarchyGeneration const& ZuBasePhysicalExtent::AABBGen() const { return surface().hierarchy(); }
+
+ZuMeshSurface const& ZuBasePhysicalExtent::surface() const {
+  if (!m_Surface || !isComputed(BOXES)) {
+    ZuMeshSurface::Builder builder(m_Points);
+    forEachFacet([&builder](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) { builder.add(facet, loop); });
+    m_Surface = std::make_unique<ZuMeshSurface>(builder);
+    m_Computed.set(BOXES);
+  }
+  return *m_Surface;
+}
+
+void ZuBasePhysicalExtent::facetsChanged() {
+  resetNeighborFlags();
+  m_Derived = Derived();
+  m_Surface.reset();
+  m_Capsule.reset();
+  m_ModifiedFacets.clear();
+}
+
+void ZuBasePhysicalExtent::pointsMoved() {
+  for (ZuLineAndNeighbors& line : m_Derived.lineAndNeighbors) {
+    line.setLineLength(point(line.vertexIndex0()).distanceTo(point(line.vertexIndex1())));
+    line.setNormalVector(ZuVector());
+  }
+  for (DerivedStructure const structure : {FACET_NORMALS, POINT_NORMALS, LINE_NORMALS, BOXES}) {
+    m_Computed.reset(structure);
+  }
+  m_Derived.normalsOfFacets.clear();
+  m_Derived.normalsOfPoints.clear();
+  m_Derived.normalsOfLines.clear();
+  m_Climb.isReady = false;
+  m_Surface.reset();
+  m_Capsule.reset();
+}
+
+// Builders.
+
+void ZuBasePhysicalExtent::findVertexNeighborVertices() {
+  auto const forEachEdge = [this](auto const& visit) {
+    forEachFacet([this, &visit](ZuFacetIndex const&, ZuListView<unsigned int> loop) {
+      for (std::size_t k = 0; k < loop.size(); ++k) {
+        unsigned int const a = loop[k], b = loop[k + 1 == loop.size() ? 0 : k + 1];
+        if (a < m_Points.size() && b < m_Points.size()) visit(std::min(a, b), std::max(a, b));
+      }
+    });
+  };
+  ZuCompressedListsBuilder<unsigned int> neighbors(m_Points.size());
+  forEachEdge([&neighbors](unsigned int a, unsigned int b) {
+    neighbors.announce(a);
+    neighbors.announce(b);
+  });
+  neighbors.endAnnouncing();
+  forEachEdge([&neighbors](unsigned int a, unsigned int b) {
+    // Each edge stands in both lists, so the shorter one tells: the hub of a fan is not searched again and again.
+    bool const searchA = neighbors.list(a).size() <= neighbors.list(b).size();
+    if (contains(neighbors.list(searchA ? a : b), searchA ? b : a)) return;
+    neighbors.add(a, b);
+    neighbors.add(b, a);
+  });
+  m_Derived.vertexNeighborVertices = neighbors.lists();
+  m_Computed.set(VERTEX_VERTICES);
+}
+
+void ZuBasePhysicalExtent::setVertexNeighborFacets(FacetLists&& lists) {
+  m_Derived.vertexNeighborFacets = std::move(lists);
+  m_VisitStamps.assign(m_Points.size(), 0);
+  m_VisitStamp = 1;
+  m_Climb.isReady = false;
+  m_Computed.set(VERTEX_FACETS);
+}
+
+void ZuBasePhysicalExtent::findLineAndNeighbors() {
+  if (!isComputed(VERTEX_VERTICES)) findVertexNeighborVertices();
+  IndexLists const& neighbors = vertexNeighborVerticesVector();
+  if (neighbors.size() != m_Points.size()) {
+    return print("ZuBasePhysicalExtent::findLineAndNeighbors m_VertexNeighborVerticesVector size mismatch");
+  }
+  if (!isComputed(VERTEX_FACETS)) findVertexNeighborFacetsVector();
+  if (vertexNeighborFacetsVector().size() != m_Points.size()) {
+    return print("ZuBasePhysicalExtent::findLineAndNeighbors m_VertexNeighborFacetsVector size mismatch");
+  }
+  std::vector<ZuLineAndNeighbors>& lines = m_Derived.lineAndNeighbors;
+  lines.clear();
+  lines.reserve(neighbors.numberOfItems() / 2);
+  for (unsigned int i = 0; i + 1 < m_Points.size(); ++i) {
+    for (unsigned int const j : neighbors[i]) {
+      if (i < j) lines.emplace_back(i, j, j < m_Points.size() ? m_Points[i].distanceTo(m_Points[j]) : 0.0);
+    }
+  }
+  for (ZuLineAndNeighbors& line : lines) collectFacetsBeside(line);
+  m_Computed.set(LINES);
+}
+
+void ZuBasePhysicalExtent::collectFacetsBeside(ZuLineAndNeighbors& line) const {
+  FacetLists const& facets = vertexNeighborFacetsVector();
+  if (line.vertexIndex1() >= facets.size()) {
+    return print("ZuBasePhysicalExtent::findLineAndNeighbors vertex id exceed size.");
+  }
+  ZuListView<ZuFacetIndex> fewer = facets[line.vertexIndex0()], more = facets[line.vertexIndex1()];
+  if (more.size() < fewer.size()) std::swap(fewer, more);
+  bool tooMany = false;
+  for (ZuFacetIndex const& facet : fewer) {
+    if (holds(more, facet) && !line.addFacetIndex(facet)) tooMany = true;
+  }
+  if (tooMany) print("ZuBasePhysicalExtent::findLineAndNeighbors more than 2 facets neighbors beside a line.");
+}
+
+void ZuBasePhysicalExtent::findVertexNeighborLines() {
+  if (!isComputed(LINES)) findLineAndNeighbors();
+  if (vertexNeighborVerticesVector().size() != m_Points.size()) {
+    return print("ZuBasePhysicalExtent::findVertexNeighborLines m_VertexNeighborVerticesVector size mismatch");
+  }
+  ZuCompressedListsBuilder<unsigned int> lists(m_Points.size());
+  auto const forEachEnd = [this](auto const& visit) {
+    for (unsigned int i = 0; i < m_Derived.lineAndNeighbors.size(); ++i) {
+      ZuLineAndNeighbors const& line = m_Derived.lineAndNeighbors[i];
+      for (unsigned int const vertex : {line.vertexIndex0(), line.vertexIndex1()}) {
+        if (vertex < m_Points.size()) visit(vertex, i);
+      }
+    }
+  };
+  forEachEnd([&lists](unsigned int vertex, unsigned int) { lists.announce(vertex); });
+  lists.endAnnouncing();
+  forEachEnd([&lists](unsigned int vertex, unsigned int line) { lists.add(vertex, line); });
+  m_Derived.vertexNeighborLines = lists.lists();
+  m_Computed.set(VERTEX_LINES);
+}
+
+/// The line that joins two points; theZuNoIndex when there is none.
+unsigned int ZuBasePhysicalExtent::lineBetween(unsigned int a, unsigned int b) const {
+  IndexLists const& lines = m_Derived.vertexNeighborLines;
+  if (a >= lines.size() || b >= lines.size()) return theZuNoIndex;
+  bool const searchA = lines[a].size() <= lines[b].size();
+  for (unsigned int const i : lines[searchA ? a : b]) {
+    ZuLineAndNeighbors const& line = m_Derived.lineAndNeighbors[i];
+    if (line.vertexIndex0() == std::min(a, b) && line.vertexIndex1() == std::max(a, b)) return i;
+  }
+  return theZuNoIndex;
+}
+
+void ZuBasePhysicalExtent::findFacetNeighborLinesVector() {
+  if (!isComputed(VERTEX_LINES)) findVertexNeighborLines();
+  std::vector<bool> isUsed(m_Points.size(), false);
+  std::vector<IndexLists> lists(numberOfGroups());
+  std::vector<unsigned int> bounds;
+  forEachFacet([this, &isUsed, &lists, &bounds](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
+    bounds.clear();
+    for (std::size_t k = 0; k < loop.size(); ++k) {
+      if (loop[k] < isUsed.size()) isUsed[loop[k]] = true;
+      unsigned int const line = lineBetween(loop[k], loop[k + 1 == loop.size() ? 0 : k + 1]);
+      if (line != theZuNoIndex && !contains({bounds.data(), bounds.size()}, line)) bounds.push_back(line);
+    }
+    lists[facet.first].append({bounds.data(), bounds.size()});
+  });
+  std::size_t const numLines = m_Derived.lineAndNeighbors.size();
+  if (numLines < static_cast<std::size_t>(std::count(isUsed.begin(), isUsed.end(), true))) {
+    Zu::Print::instance().write(
+        Zu::PRINT_WARNING,
+        "ZuBasePhysicalExtent::findFacetNeighborLinesVector line number wrong. numLines (%d) numPoints (%d)\n",
+        static_cast<int>(numLines), static_cast<int>(m_Points.size()));
+  }
+  m_Derived.facetNeighborLines = std::move(lists);
+  m_Computed.set(FACET_LINES);
+}
+
+ZuVector ZuBasePhysicalExtent::doubleAreaVector(ZuListView<unsigned int> loop) const {
+  ZuVector sum;
+  ZuVector const* first = nullptr;
+  ZuVector const* last = nullptr;
+  for (unsigned int const corner : loop) {
+    if (corner >= m_Points.size()) continue;
+    if (first == nullptr) first = &m_Points[corner];
+    if (last != nullptr) sum += (*last - *first).cross(m_Points[corner] - *first);
+    last = &m_Points[corner];
+  }
+  return sum;
+}
+
+void ZuBasePhysicalExtent::findNormalOfFacets() {
+  std::vector<ZuXmlVectorVector> normals(numberOfGroups());
+  for (unsigned int group = 0; group < normals.size(); ++group) normals[group].reserve(numberOfFacetsInGroup(group));
+  forEachFacet([this, &normals](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
+    normals[facet.first].pushBack(doubleAreaVector(loop).unitVector());
+  });
+  m_Derived.normalsOfFacets = std::move(normals);
+  m_Computed.set(FACET_NORMALS);
+}
+
+void ZuBasePhysicalExtent::findNormalOfPoints() {
+  if (!isComputed(FACET_NORMALS)) findNormalOfFacets();
+  ZuXmlVectorVector normals;
+  normals.resize(m_Points.size());
+  forEachFacet([this, &normals](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
+    ZuVector const& normal = m_Derived.normalsOfFacets[facet.first][facet.second];
+    std::size_t const n = loop.size();
+    for (std::size_t k = 0; k < n; ++k) {
+      unsigned int const before = loop[k == 0 ? n - 1 : k - 1], here = loop[k], after = loop[k + 1 == n ? 0 : k + 1];
+      if (std::max({before, here, after}) >= m_Points.size()) continue;
+      normals[here] += normal * angleAt(m_Points[before], m_Points[here], m_Points[after]);
+    }
+  });
+  makeUnit(normals);
+  m_Derived.normalsOfPoints = std::move(normals);
+  m_Computed.set(POINT_NORMALS);
+}
+
+void ZuBasePhysicalExtent::findNormalOfLines() {
+  if (!isComputed(FACET_NORMALS)) findNormalOfFacets();
+  if (!isComputed(LINES)) findLineAndNeighbors();
+  ZuXmlVectorVector normals;
+  normals.reserve(m_Derived.lineAndNeighbors.size());
+  for (ZuLineAndNeighbors& line : m_Derived.lineAndNeighbors) {
+    ZuVector sum;
+    for (ZuFacetIndex const& facet : line.facetIndexVector()) {
+      sum += m_Derived.normalsOfFacets[facet.first][facet.second];
+    }
+    line.setNormalVector(sum.unitVector());
+    normals.pushBack(line.normalVector());
+  }
+  m_Derived.normalsOfLines = std::move(normals);
+  m_Computed.set(LINE_NORMALS);
+}
+
+void ZuBasePhysicalExtent::initNeighborInformation() {
+  if (!isComputed(VERTEX_VERTICES)) findVertexNeighborVertices();
+  if (!isComputed(VERTEX_FACETS)) findVertexNeighborFacetsVector();
+  if (!isComputed(LINES)) findLineAndNeighbors();
+  if (!isComputed(VERTEX_LINES)) findVertexNeighborLines();
+  if (!isComputed(FACET_LINES)) findFacetNeighborLinesVector();
+}
+
+void ZuBasePhysicalExtent::init() {
+  initNeighborInformation();
+  if (!isComputed(FACET_NORMALS)) findNormalOfFacets();
+  if (!isComputed(POINT_NORMALS)) findNormalOfPoints();
+  if (!isComputed(LINE_NORMALS)) findNormalOfLines();
+}
+
+// Support points.
+
+ZuVector ZuBasePhysicalExtent::supportPoint(ZuVector const& direction) const {
+  if (m_Points.empty()) {
+    m_SupportPointID = 0;
+    if (m_IsConvex && isZero(direction)) skipUnusedPoints(theNoNeighborInfo);
+    return {};
+  }
+  if (isZero(direction)) {
+    m_SupportPointID = 0;
+    if (m_IsConvex) skipUnusedPoints(theNoNeighborInfo);
+  } else if (m_IsConvex) {
+    climb(direction);
+  } else {
+    scan(direction);
+  }
+  return m_Points[m_SupportPointID];
+}
+
+/// Moves on from an unused point to the next one that a facet uses, or to the last point.
+void ZuBasePhysicalExtent::skipUnusedPoints(char const* messageWithoutNeighbors) const {
+  FacetLists const& facets = vertexNeighborFacetsVector();
+  if (facets.empty()) return print(messageWithoutNeighbors);
+  while (m_SupportPointID + 1 < m_Points.size() && m_SupportPointID < facets.size() &&
+         facets[m_SupportPointID].empty()) {
+    ++m_SupportPointID;
+  }
+}
+
+bool ZuBasePhysicalExtent::visitVertex(unsigned int vertex) const {
+  if (m_VisitStamps.size() != m_Points.size()) m_VisitStamps.assign(m_Points.size(), 0);
+  if (m_VisitStamps[vertex] == m_VisitStamp) return false;
+  m_VisitStamps[vertex] = m_VisitStamp;
+  return true;
+}
+
+void ZuBasePhysicalExtent::clearVisitedMarks() const {
+  if (++m_VisitStamp != 0) return;
+  std::fill(m_VisitStamps.begin(), m_VisitStamps.end(), 0);
+  m_VisitStamp = 1;
+}
+
+void ZuBasePhysicalExtent::climb(ZuVector const& direction) const {
+  clearVisitedMarks();
+  if (m_SupportPointID >= m_Points.size()) m_SupportPointID = 0;
+  if (m_SupportPointID == 0) skipUnusedPoints("ZuBasePhysicalExtent::supportPoint m_VertexNeighborFacetsVector empty.");
+  double best = m_Points[m_SupportPointID].dot(direction), dot = 0.0;
+  unsigned int index = 0;
+  visitVertex(m_SupportPointID);
+  // Each step visits a vertex; the bound is for a bestNeighbor() that does not keep to that.
+  for (std::size_t steps = m_Points.size(); steps > 0; --steps) {
+    if (!bestNeighbor(direction, dot, index) || !(best <= dot) || dot == theLowestDot) return;
+    if (index >= m_Points.size()) return;
+    best = dot;
+    m_SupportPointID = index;
+  }
+}
+
+void ZuBasePhysicalExtent::scan(ZuVector const& direction) const {
+  unsigned int winner = 0;
+  double best = m_Points[0].dot(direction);
+  for (unsigned int i = 1; i < m_Points.size(); ++i) {
+    double const dot = m_Points[i].dot(direction);
+    if (!(dot > best)) continue;
+    best = dot;
+    winner = i;
+  }
+  m_SupportPointID = winner;
+}
+
+ZuVector ZuBasePhysicalExtent::computeSupportPoint(ZuVector const& direction) const {
+  if (!m_IsConvex || m_Points.empty()) return m_Points.empty() ? ZuVector() : supportPoint(direction);
+  if (!m_Climb.isReady) prepareClimb();
+  if (isZero(direction)) return supportPoint(direction);
+  climbFromBestStart(direction);
+  return m_Points[m_SupportPointID];
+}
+
+/// The starts: all vertices of a small mesh, of a large one those farthest along the axes and the diagonals of the
+/// frame.
+void ZuBasePhysicalExtent::prepareClimb() const {
+  // The caches of a const mesh are filled by the same builders as those of another one.
+  auto& self = const_cast<ZuBasePhysicalExtent&>(*this);
+  if (!isComputed(VERTEX_VERTICES)) self.findVertexNeighborVertices();
+  if (!isComputed(VERTEX_FACETS)) self.findVertexNeighborFacetsVector();
+  std::vector<unsigned int> used = usedIndices();
+  if (used.empty()) {
+    used.resize(m_Points.size());
+    std::iota(used.begin(), used.end(), 0U);
+  }
+  m_Climb = Climb();
+  m_Climb.isReady = true;
+  m_Climb.isWholeMesh = used.size() <= m_theLargestScan || totalNumberOfFacets() == 0;
+  if (m_Climb.isWholeMesh) {
+    m_Climb.starts = std::move(used);
+    return;
+  }
+  for (int i = 0; i < 27; ++i) {
+    ZuVector const direction(i % 3 - 1, i / 3 % 3 - 1, i / 9 - 1);
+    int const axes = static_cast<int>(direction.magSquared());
+    if (axes != 1 && axes != 3) continue;
+    auto const farther = [this, &direction](unsigned int a, unsigned int b) {
+      return m_Points[a].dot(direction) < m_Points[b].dot(direction);
+    };
+    m_Climb.starts.push_back(*std::max_element(used.begin(), used.end(), farther));
+  }
+}
+
+void ZuBasePhysicalExtent::climbFromBestStart(ZuVector const& direction) const {
+  IndexLists const& neighbors = m_Derived.vertexNeighborVertices;
+  unsigned int present = m_Climb.starts[0];
+  double best = m_Points[present].dot(direction);
+  auto const tryVertex = [this, &direction, &present, &best](unsigned int vertex) {
+    double const dot = m_Points[vertex].dot(direction);
+    if (!(dot > best)) return;
+    best = dot;
+    present = vertex;
+  };
+  for (unsigned int const vertex : m_Climb.starts) tryVertex(vertex);
+  if (!m_Climb.isWholeMesh) {
+    if (m_SupportPointID < neighbors.size() && !neighbors[m_SupportPointID].empty()) tryVertex(m_SupportPointID);
+    for (unsigned int last = theZuNoIndex; last != present;) {
+      last = present;
+      for (unsigned int const vertex : neighbors[last]) tryVertex(vertex);
+    }
+  }
+  m_SupportPointID = present;
+}
+
+// Changes of the geometry.
+
+void ZuBasePhysicalExtent::scaleBy(double factor) {
+  scaleChainBy(factor);
+  scalePoints({factor, factor, factor});
+}
+
+void ZuBasePhysicalExtent::scaleBy(double x, double y, double z) {
+  scalePoints({x, y, z});
+  for (ZuShape* level = lowerFidelityRepresentation(); level != nullptr; level = level->lowerFidelityRepresentation()) {
+    level->fitFromShape(*this);
+  }
+}
+
+void ZuBasePhysicalExtent::scalePoints(ZuVector const& f) {
+  for (ZuVector& p : m_Points) p = ZuVector(p.x() * f.x(), p.y() * f.y(), p.z() * f.z());
+  // The cofactors of the map take normals to normals, without a division; a reflection turns loops and normals over.
+  double const sign = f.prod() < 0.0 ? -1.0 : 1.0;
+  ZuVector const cofactors = sign * ZuVector(f.y() * f.z(), f.z() * f.x(), f.x() * f.y());
+  for (ZuVector& n : m_Normals) {
+    n = ZuVector(n.x() * cofactors.x(), n.y() * cofactors.y(), n.z() * cofactors.z()).unitVector();
+  }
+  if (sign < 0.0) reverseFacets();
+  pointsMoved();
+}
+
+void ZuBasePhysicalExtent::transformBy(ZuCoordinateSystemTransformation const& xform) {
+  ZuShape::transformBy(xform);
+  for (ZuVector& p : m_Points) p = xform * p;
+  for (ZuVector& n : m_Normals) n = xform.orientation() * n;
+  pointsMoved();
+}
+
+void ZuBasePhysicalExtent::truncateValues(double const& step) {
+  if (!(step > 0.0)) return;
+  auto const rounded = [&step](double value) {
+    double const multiple = std::round(value / step) * step;
+    return std::isfinite(multiple) ? multiple : value;
+  };
+  for (ZuVector& p : m_Points) p = ZuVector(rounded(p.x()), rounded(p.y()), rounded(p.z()));
+  pointsMoved();
+}
+
+std::vector<unsigned int> ZuBasePhysicalExtent::usedIndices() const {
+  std::vector<bool> isUsed(m_Points.size(), false);
+  forEachFacet([&isUsed](ZuFacetIndex const&, ZuListView<unsigned int> loop) {
+    for (unsigned int const corner : loop) {
+      if (corner < isUsed.size()) isUsed[corner] = true;
+    }
+  });
+  std::vector<unsigned int> indices;
+  for (unsigned int i = 0; i < isUsed.size(); ++i) {
+    if (isUsed[i]) indices.push_back(i);
+  }
+  return indices;
+}
+
+void ZuBasePhysicalExtent::usedPoints(ZuXmlVectorVector& points) const {
+  ZuXmlVectorVector used;
+  for (unsigned int const i : usedIndices()) used.pushBack(m_Points[i]);
+  points = used;
+}
+
+unsigned int ZuBasePhysicalExtent::totalNumberOfFacets() const {
+  unsigned int total = 0;
+  for (unsigned int group = 0; group < numberOfGroups(); ++group) total += numberOfFacetsInGroup(group);
+  return total;
+}
+
+void ZuBasePhysicalExtent::mergeWith(ZuBasePhysicalExtent const& other) {
+  if (other.m_Points.empty()) return;
+  auto const pointOffset = m_Points.size(), normalOffset = m_Normals.size();
+  auto const rasterOffset = m_RasterMapPoints.size();
+  // The facets first, then copies: the other mesh may be this one.
+  appendFacets(other, static_cast<unsigned int>(pointOffset), static_cast<unsigned int>(normalOffset));
+  append(m_Points, ZuXmlVectorVector(other.m_Points));
+  append(m_Normals, ZuXmlVectorVector(other.m_Normals));
+  if (rasterOffset != 0 || !other.m_RasterMapPoints.empty()) {
+    ZuXmlVectorType<ZuPlanarVector> const added(other.m_RasterMapPoints);
+    m_RasterMapPoints.resize(pointOffset);
+    append(m_RasterMapPoints, added);
+    m_RasterMapPoints.resize(m_Points.size());
+  }
+  m_IsConvex = pointOffset == 0 && other.m_IsConvex;
+  facetsChanged();
+}
+
+bool ZuBasePhysicalExtent::convexHull(ZuXmlVectorVector const& points) {
+  ZuXmlVectorVector corners;
+  std::vector<ZuGJKTriangle> triangles;
+  std::vector<ZuVector> const candidates = differentPoints(points);
+  // What spans no volume is not handed to the hull, which could end the process.
+  if (!ZuConvexHull::spansVolume(candidates.data(), candidates.size()) ||
+      !ZuConvexHull().computeConvexHull(candidates, triangles)) {
+    Zu::Print::instance().write(
+        Zu::PRINT_WARNING, "ZuBasePhysicalExtent::convexHull-->the points span no volume (%zu points)", points.size());
+    return false;
+  }
+  std::vector<unsigned int> place(candidates.size(), theZuNoIndex);
+  auto const placeOf = [&](ZuGJKTriangle const& triangle, unsigned int k) {
+    auto const candidate = static_cast<unsigned int>(triangle.vertexIndex(k));
+    if (place[candidate] == theZuNoIndex) {
+      place[candidate] = static_cast<unsigned int>(corners.size());
+      corners.pushBack(candidates[candidate]);
+    }
+    return place[candidate];
+  };
+  ZuXmlVectorType<ZuPolygonWithKey> facets;
+  facets.reserve(triangles.size());
+  for (ZuGJKTriangle const& triangle : triangles) {
+    // The hull's triangles run clockwise as seen from outside.
+    unsigned int const loop[] = {placeOf(triangle, 0), placeOf(triangle, 2), placeOf(triangle, 1)};
+    facets.pushBack(ZuPolygonWithKey(loop, 3, surfaceProperty()));
+  }
+  clearSupplements();
+  setPoints(corners);
+  setFacets(facets);
+  setIsConvex(true);
+  initNeighborInformation();
+  return true;
+}
+
+void ZuBasePhysicalExtent::clearSupplements() {
+  m_Normals.clear();
+  m_RasterMapPoints.clear();
+  m_TipPointIndex = m_EndPointIndex = theZuNoIndex;
+}
+
+void ZuBasePhysicalExtent::fitToPoints(ZuXmlVectorVector const& points) { convexHull(points); }
+
+void ZuBasePhysicalExtent::fitFromShape(ZuShape const& other) {
+  ZuBasePhysicalExtent const& mesh = other.physicalExtent();
+  if (&mesh == this) return;
+  clearSupplements();
+  m_Points = mesh.m_Points;
+  m_IsConvex = mesh.m_IsConvex;
+  copyFacets(mesh);
+  facetsChanged();
+}
+
+// Deformation.
+
+bool ZuBasePhysicalExtent::isDeformationAllowed(char const* function, double radius) const {
+  if (canDeform() && radius > 0.0) return true;
+  Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuBasePhysicalExtent::%s-->%s (radius %g)", function,
+                              canDeform() ? "the radius is not above 0" : "the shape can't deform", radius);
+  return false;
+}
+
+/// Moves those of the vertices that are within the radius and tells which facets that changes.
+unsigned int ZuBasePhysicalExtent::displace(std::vector<unsigned int> const& vertices, ZuVector const& center,
+                                            ZuVector const& displacement, double radius) {
+  std::vector<bool> isMoved(m_Points.size(), false);
+  unsigned int count = 0;
+  for (unsigned int const i : vertices) {
+    double const ratio = m_Points[i].distanceTo(center) / radius;
+    if (!(ratio < 1.0)) continue;
+    double const weight = 1.0 - ratio * ratio;
+    m_Points[i] += displacement * (weight * weight);
+    isMoved[i] = true;
+    ++count;
+  }
+  if (count == 0) return 0;
+  forEachFacet([this, &isMoved](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
+    if (std::any_of(loop.begin(), loop.end(), [&](unsigned int i) { return i < isMoved.size() && isMoved[i]; })) {
+      m_ModifiedFacets.push_back(facet);
+    }
+  });
+  std::sort(m_ModifiedFacets.begin(), m_ModifiedFacets.end());
+  m_ModifiedFacets.erase(std::unique(m_ModifiedFacets.begin(), m_ModifiedFacets.end()), m_ModifiedFacets.end());
+  m_ModIsCleanedUp = false;
+  m_IsConvex = false;
+  pointsMoved();
+  return count;
+}
+
+unsigned int ZuBasePhysicalExtent::deformInRadius(ZuVector const& center, ZuVector const& displacement, double radius) {
+  if (!isDeformationAllowed("deformInRadius", radius)) return 0;
+  std::vector<unsigned int> all(m_Points.size());
+  std::iota(all.begin(), all.end(), 0U);
+  return displace(all, center, displacement, radius);
+}
+
+unsigned int ZuBasePhysicalExtent::deformInRadiusNeighbor(unsigned int vertex, ZuVector const& displacement,
+                                                          double radius) {
+  if (!isDeformationAllowed("deformInRadiusNeighbor", radius)) return 0;
+  if (!isComputed(VERTEX_VERTICES)) findVertexNeighborVertices();
+  if (vertex >= vertexNeighborVerticesVector().size()) return 0;
+  ZuVector const center = m_Points[vertex];
+  std::vector<bool> isReached(m_Points.size(), false);
+  std::vector<unsigned int> reached = {vertex};
+  isReached[vertex] = true;
+  for (std::size_t i = 0; i < reached.size(); ++i) {
+    for (unsigned int const neighbor : vertexNeighborVerticesVector()[reached[i]]) {
+      if (isReached[neighbor] || !(m_Points[neighbor].distanceTo(center) < radius)) continue;
+      isReached[neighbor] = true;
+      reached.push_back(neighbor);
+    }
+  }
+  return displace(reached, center, displacement, radius);
+}
+
+// The capsule that bounds the points.
+
+void ZuBasePhysicalExtent::recalculateCapsule() {
+  m_Capsule.reset();
+  capsuleBoundingVolume();
+}
+
+void ZuBasePhysicalExtent::expandCapsule(ZuXmlVectorVector const& points) {
+  capsuleBoundingVolume();
+  m_Capsule->expandToInclude(points);
+}
+
+ZuCapsule const& ZuBasePhysicalExtent::capsuleBoundingVolume() const {
+  if (!m_Capsule) {
+    m_Capsule = std::make_unique<ZuCapsule>();
+    if (!m_Points.empty()) m_Capsule->fitToPoints(m_Points);
+  }
+  return *m_Capsule;
+}
+
+void ZuBasePhysicalExtent::setCapsuleBoundingVolume(ZuCapsule const& capsule) {
+  m_Capsule = std::make_unique<ZuCapsule>(capsule);
+}
+
+// Facets.
+
+ZuPlane ZuBasePhysicalExtent::getFacetPlane(unsigned int group, unsigned int facet) const {
+  ZuVector const normal = getPolygon(group, facet).normal();
+  if (isZero(normal)) return {};
+  return {point(getFacetPointIndex(group, facet, 0)), normal};
+}
+
+std::vector<ZuTriangleKernels::Triangle> ZuBasePhysicalExtent::trianglesOf(unsigned int group,
+                                                                           unsigned int facet) const {
+  std::vector<unsigned int> loop(numberOfPointsInFacet(group, facet)), corners;
+  for (unsigned int k = 0; k < loop.size(); ++k) loop[k] = getFacetPointIndexNoCheck(group, facet, k);
+  zuCutLoop(m_Points, {loop.data(), loop.size()}, corners);
+  std::vector<ZuTriangleKernels::Triangle> triangles;
+  for (std::size_t i = 0; i < corners.size(); i += 3) {
+    if (std::max({corners[i], corners[i + 1], corners[i + 2]}) >= m_Points.size()) continue;
+    triangles.push_back({m_Points[corners[i]], m_Points[corners[i + 1]], m_Points[corners[i + 2]]});
+  }
+  return triangles;
+}
+
+bool ZuBasePhysicalExtent::checkFacetIntersect(unsigned int group, unsigned int facet, ZuVector const& point) const {
+  for (ZuTriangleKernels::Triangle const& t : trianglesOf(group, facet)) {
+    double const size = std::max(t.a.distanceTo(t.b), t.a.distanceTo(t.c));
+    if (std::sqrt(ZuTriangleKernels::distanceSquared(t, point)) <= m_theFacetRounding * size) return true;
+  }
+  return false;
+}
+
+bool ZuBasePhysicalExtent::checkFacetIntersect(unsigned int group, unsigned int facet,
+                                               ZuLineSegment const& segment) const {
+  for (ZuTriangleKernels::Triangle const& t : trianglesOf(group, facet)) {
+    if (ZuTriangleKernels::intersects(t, plainOf(segment))) return true;
+  }
+  return false;
+}
+
+ZuPolygon ZuBasePhysicalExtent::getPolygon(unsigned int group, unsigned int facet) const {
+  ZuPolygon polygon;
+  for (unsigned int k = 0; k < numberOfPointsInFacet(group, facet); ++k) {
+    unsigned int const index = getFacetPointIndex(group, facet, k);
+    if (index < m_Points.size()) polygon.addPoint(m_Points[index]);
+  }
+  return polygon;
+}
+
+void ZuBasePhysicalExtent::setPointCollectionPointer() { pointsMoved(); }
+
+std::string const& ZuBasePhysicalExtent::impactedSurface(unsigned int const& pointIndex) const {
+  FacetLists const& facets = vertexNeighborFacetsVector();
+  if (pointIndex >= facets.size() || facets[pointIndex].empty()) return surfaceProperty();
+  return getGroupSurfaceKey(facets[pointIndex][0].first);
+}
+
+// Queries of points, segments and triangles.
+
+unsigned int ZuBasePhysicalExtent::pickNearestVertexIndex(ZuVector const& point) const {
+  unsigned int const nearest = surface().nearestVertex(point, theZuNoIndex);
+  if (nearest != theZuNoIndex) m_NearPointID = nearest;
+  return nearest;
+}
+
+unsigned int ZuBasePhysicalExtent::getClosestPointID(ZuVector const& point, unsigned int group) const {
+  unsigned int const nearest = group == theZuNoIndex ? group : surface().nearestVertex(point, group);
+  if (nearest != theZuNoIndex) m_NearPointID = nearest;
+  return nearest;
+}
+
+double ZuBasePhysicalExtent::distanceTo(ZuVector const& point) const {
+  double const distance = surface().distanceTo(point);
+  return surface().isInside(point) ? -distance : distance;
+}
+
+double ZuBasePhysicalExtent::distanceTo(ZuLineSegment const& segment) const {
+  double const distance = surface().distanceTo(plainOf(segment));
+  return distance > 0.0 && surface().isInside(segment.endpoint0()) ? -distance : distance;
+}
+
+double ZuBasePhysicalExtent::distanceTo(ZuGeomTriangle const& triangle) const {
+  double const distance = surface().distanceTo(plainOf(triangle));
+  return distance > 0.0 && surface().isInside(triangle.point(0)) ? -distance : distance;
+}
+
+double ZuBasePhysicalExtent::distanceTo(ZuRectangle const& rectangle) const {
+  ZuVector const corners[] = {rectangle.corner(0), rectangle.corner(1), rectangle.corner(2), rectangle.corner(3)};
+  double const distance =
+      std::min(surface().distanceTo(ZuTriangleKernels::Triangle{corners[0], corners[1], corners[2]}),
+               surface().distanceTo(ZuTriangleKernels::Triangle{corners[0], corners[2], corners[3]}));
+  return distance > 0.0 && surface().isInside(corners[0]) ? -distance : distance;
+}
+
+bool ZuBasePhysicalExtent::checkIntersect(ZuVector const& point) const { return distanceTo(point) <= 0.0; }
+
+bool ZuBasePhysicalExtent::checkIntersect(ZuLineSegment const& segment) const {
+  return surface().meets(plainOf(segment)) || surface().isInside(segment.endpoint0());
+}
+
+bool ZuBasePhysicalExtent::checkIntersect(ZuGeomTriangle const& triangle) const {
+  return surface().meets(plainOf(triangle)) || surface().isInside(triangle.point(0));
+}
+
+bool ZuBasePhysicalExtent::intersectLineSegment(ZuLineSegment const& segment, ZuShapePointEvent& event) const {
+  event = ZuShapePointEvent();
+  event.shapeID = proximityDatabaseIndex();
+  bool const crosses = surface().findCrossings(plainOf(segment), event.entry, event.exit);
+  event.startsInside = surface().isInside(segment.endpoint0()) && !(crosses && event.entry.t == 0.0);
+  event.endsInside = crosses ? surface().isInside(segment.endpoint1()) && event.exit.t != 1.0 : event.startsInside;
+  event.hit = crosses || event.startsInside;
+  if (event.startsInside) event.entry = {0.0, segment.endpoint0(), ZuVector()};
+  if (event.endsInside) event.exit = {1.0, segment.endpoint1(), ZuVector()};
+  return event.hit;
+}
+
+// Pairs.
+
+bool ZuBasePhysicalExtent::touchesByBoxes(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
+                                          ZuShapeProximityDescriptor const& descriptor,
+                                          ZuSystemShapeProximityState& state, ZuVector& witness1, ZuVector& witness2,
+                                          double& distance) const {
+  ZuShapeProximityData* const data = state.getProximityData(descriptor.key1(), descriptor.key2());
+  bool const touching = getAABBProcessor().nearestPoints(*this, other, xform, data, witness1, witness2, distance);
+  if (data != nullptr) {
+    data->storeResult(distance, witness1 - xform * witness2, witness1, witness2, state.updateTime());
+  }
+  return touching;
+}
+
+double ZuBasePhysicalExtent::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
+                                        ZuShapeProximityDescriptor const& descriptor,
+                                        ZuSystemShapeProximityState& state) const {
+  if (!useAABB()) return ZuShape::distanceTo(other, xform, descriptor, state);
+  ZuVector witness1, witness2;
+  return distanceAndWitnessPointsTo(other, xform, descriptor, state, witness1, witness2);
+}
+
+double ZuBasePhysicalExtent::distanceAndWitnessPointsTo(ZuShape const& other,
+                                                        ZuCoordinateSystemTransformation const& xform,
+                                                        ZuShapeProximityDescriptor const& descriptor,
+                                                        ZuSystemShapeProximityState& state, ZuVector& witness1,
+                                                        ZuVector& witness2) const {
+  if (!useAABB()) return ZuShape::distanceAndWitnessPointsTo(other, xform, descriptor, state, witness1, witness2);
+  double distance = 0.0;
+  touchesByBoxes(other, xform, descriptor, state, witness1, witness2, distance);
+  return distance;
+}
+
+bool ZuBasePhysicalExtent::checkIntersect(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
+                                          ZuShapeProximityDescriptor const& descriptor,
+                                          ZuSystemShapeProximityState& state, KeyPairs* pairs) const {
+  double distance = 0.0;
+  if (useAABB()) {
+    ZuVector witness1, witness2;
+    return report(touchesByBoxes(other, xform, descriptor, state, witness1, witness2, distance), descriptor, pairs);
+  }
+  bool const answered = gjkDistanceQuery(other, descriptor.key1(), descriptor.key2(), xform, false, state, distance);
+  return report(answered && distance <= 0.0, descriptor, pairs);
+}
+
+bool ZuBasePhysicalExtent::computePenetrationDistanceAndSupportPoints(ZuShape const& other,
+                                                                      ZuCoordinateSystemTransformation const& xform,
+                                                                      ZuVector& witness1, ZuVector& witness2,
+                                                                      double& distance, ZuVector& direction) const {
+  if (!useAABB()) {
+    return ZuShape::computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, distance, direction);
+  }
+  bool const touching = getAABBProcessor().nearestPoints(*this, other, xform, nullptr, witness1, witness2, distance);
+  direction = witness1 - xform * witness2;
+  return touching;
+}
+
+void ZuBasePhysicalExtent::physicalExtent(std::vector<ZuBasePhysicalExtent*>& extents) const {
+  extents.push_back(&physicalExtent());
+}
+
+ZuBasePhysicalExtent& ZuBasePhysicalExtent::physicalExtent() const { return const_cast<ZuBasePhysicalExtent&>(*this); }
+
+unsigned int ZuBasePhysicalExtent::nearPointID(ZuShapeProximityData const& data) const {
+  return useAABB() ? getAABBProcessor().nearPointID(*this, data) : m_NearPointID;
+}
+
+// Persistence.
+
+void ZuBasePhysicalExtent::registerComponents() {
+  ZuShape::registerComponents();
+  registerComponent(ZuGeom::ZuIsConvexToken, &m_IsConvex);
+  registerComponent(ZuGeom::ZuPointsToken, &m_Points);
+  registerComponent(ZuGeom::ZuNormalsToken, &m_Normals);
+  registerComponent(ZuGeom::ZuRasterMapPointsToken, &m_RasterMapPoints);
+  registerComponent(ZuGeom::ZuTipPointIndexToken, &m_TipPointIndex);
+  registerComponent(ZuGeom::ZuEndPointIndexToken, &m_EndPointIndex);
+}
+
+bool ZuBasePhysicalExtent::readElements(ZuXmlReader& reader) {
+  if (!ZuShape::readElements(reader)) return false;
+  for (unsigned int const index : {m_TipPointIndex.value(), m_EndPointIndex.value()}) {
+    if (index != theZuNoIndex && index >= m_Points.size()) {
+      return reader.refuse("the index of the tip or the end is %u of %zu points", index, m_Points.size());
+    }
+  }
+  facetsChanged();
+  return true;
+}

@@ -1,0 +1,347 @@
+#include "geometry/zuShape.h"
+
+#include <map>
+
+#include "geometry/zuAxisAlignedBoundingBox.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuGjk.h"
+#include "geometry/zuLineSegment.h"
+#include "geometry/zuPolyPhysicalExtent.h"
+#include "geometry/zuPolygonWithKey.h"
+#include "geometry/zuShapeCollisionEvent.h"
+#include "geometry/zuShapeContainer.h"
+#include "geometry/zuShapeQueryData.h"
+#include "geometry/zuSphere.h"
+#include "geometry/zuSystemActiveState.h"
+#include "tests/proximityFixture.h"
+#include "tests/randomValues.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+
+ZuCoordinateSystemTransformation shift(double x) { return ZuCoordinateSystemTransformation(ZuVector(x, 0, 0)); }
+
+/// A sphere of radius 1 bounded by spheres of radius 2, 3, ... about the same centre.
+ZuSphere chain(unsigned int levels) {
+  ZuSphere full(ZuVector(), 1.0, 3);
+  for (unsigned int i = 0; i < levels; ++i) full.addExplicitBoundingVolume(ZuSphere(ZuVector(), 2.0 + i, 3));
+  return full;
+}
+
+double radiusOf(ZuShape const* shape) { return dynamic_cast<ZuSphere const&>(*shape).radius(); }
+
+ZuPolyPhysicalExtent cube(double halfSide) {
+  ZuXmlVectorVector corners;
+  for (int i = 0; i < 8; ++i) {
+    corners.pushBack(halfSide * ZuVector((i & 1) != 0 ? 1 : -1, (i & 2) != 0 ? 1 : -1, (i & 4) != 0 ? 1 : -1));
+  }
+  ZuPolyPhysicalExtent mesh;
+  mesh.fitToPoints(corners);
+  return mesh;
+}
+
+std::string nested(unsigned int levels) {
+  std::string text = "<shapes>";
+  for (unsigned int i = 0; i < levels; ++i) text += "<sphere>";
+  for (unsigned int i = 0; i < levels; ++i) text += "</sphere>";
+  return text + "</shapes>";
+}
+
+class Shape : public ProximityTest {};
+
+}  // namespace
+
+TEST_F(Shape, LevelsOfTheChainAreFoundByNumber) {
+  ZuSphere const full = chain(3);
+  ZuSphere const alone;
+  struct Case {
+    unsigned int n;
+    double notToExceed;
+    double bounding;  // 0: nothing is appended
+  };
+  for (Case const& c :
+       {Case{0, 1, 2}, Case{1, 2, 2}, Case{2, 3, 3}, Case{3, 4, 4}, Case{4, 4, 0}, Case{4294967295U, 4, 0}}) {
+    EXPECT_EQ(radiusOf(full.lowestFidelityNotToExceed(c.n)), c.notToExceed) << c.n;
+    std::vector<ZuShape const*> volumes;
+    full.boundingVolumes(volumes, c.n);
+    EXPECT_EQ(volumes.empty() ? 0.0 : radiusOf(volumes[0]), c.bounding) << c.n;
+    alone.boundingVolumes(volumes, c.n);
+    EXPECT_EQ(volumes.size(), c.bounding > 0.0 ? 1U : 0U) << "a shape without a chain appends nothing";
+    EXPECT_EQ(alone.lowestFidelityNotToExceed(c.n), &alone);
+  }
+}
+
+TEST_F(Shape, CopiesOwnTheirOwnChain) {
+  ZuSphere full = chain(2);
+  ZuSphere copy(full);
+  EXPECT_EQ(copy, full);
+  copy.lowerFidelityRepresentation()->scaleBy(2.0);
+  EXPECT_EQ(radiusOf(full.lowerFidelityRepresentation()), 2.0);
+  EXPECT_FALSE(copy == full) << "the chain counts in equality";
+  EXPECT_EQ(copy.lowerFidelityRepresentation()->higherFidelityRepresentation(), &copy);
+  EXPECT_EQ(copy.higherFidelityRepresentation(), nullptr);
+  full = dynamic_cast<ZuSphere const&>(*full.lowerFidelityRepresentation());  // a level of itself
+  EXPECT_EQ(full.radius(), 2.0);
+  EXPECT_EQ(radiusOf(full.lowerFidelityRepresentation()), 3.0);
+  full.deleteBoundingVolumes();
+  EXPECT_EQ(full.numberOfShapes(), 1U);
+}
+
+TEST_F(Shape, IndicesAndLevelsRunFromFineToCoarse) {
+  ZuSphere full = chain(2);
+  full.setIdentifier("ball");
+  full.lowerFidelityRepresentation()->setIdentifier("bound");
+  unsigned int index = 5;
+  unsigned int level = 2;
+  std::map<std::string, ZuShape const*> names;
+  std::vector<ZuShape*> shapes;
+  full.setIndexAndBackPointer(index, nullptr, names, shapes);
+  full.mapBVHLevel(level);
+  EXPECT_EQ(index, 8U);
+  EXPECT_EQ(level, 5U);
+  ASSERT_EQ(shapes.size(), full.numberOfShapes());
+  for (unsigned int i = 0; i < 3; ++i) {
+    EXPECT_EQ(shapes[i]->proximityDatabaseIndex(), 5 + i);
+    EXPECT_EQ(shapes[i]->bvhLevel(), 2 + i);
+  }
+  EXPECT_EQ(names.size(), 2U);
+  EXPECT_EQ(names["bound"], shapes[1]);
+}
+
+TEST_F(Shape, BoundingVolumesAreFittedToTheFullShapeAndCarryTheirSurface) {
+  ZuPolyPhysicalExtent mesh = cube(1.0);
+  for (int kind : {-1, 0, 1, 2, 3, 4, 10, 13, 14, 99}) {
+    mesh.deleteBoundingVolumes();
+    PrintSink sink;
+    mesh.addBoundingVolume(static_cast<ZuShape::ZuShapeValues>(kind));
+    EXPECT_TRUE(sink.messages().empty());
+    ZuShape const* const volume = mesh.lowerFidelityRepresentation();
+    if (kind < 0 || kind > 9) {
+      EXPECT_EQ(volume, nullptr) << kind;
+      continue;
+    }
+    ASSERT_NE(volume, nullptr) << kind;
+    EXPECT_EQ(volume->type(), kind == 0 ? ZuShape::POLY_PHYSICAL_EXTENT : kind);
+    EXPECT_EQ(volume->higherFidelityRepresentation(), &mesh);
+    EXPECT_EQ(volume->surfaceProperty(), "Bounding");
+    ZuDataMap const* color = nullptr;
+    ASSERT_TRUE(volume->lookup("Bounding", color));
+    EXPECT_EQ(*color, ZuDataMap::boundingColor());
+    for (ZuVector const& point : mesh.points()) EXPECT_LE(volume->distanceTo(point), 1e-9) << kind;
+  }
+  mesh.deleteBoundingVolumes();
+  mesh.addBoundingVolume(ZuShape::CAPSULE);
+  mesh.addBoundingVolume(ZuShape::SPHERE);
+  EXPECT_EQ(mesh.lowestFidelityNotToExceed(9)->type(), ZuShape::SPHERE) << "attached below the lowest";
+}
+
+TEST_F(Shape, ChainsAreWrittenAndReadBackThroughAContainer) {
+  ZuShapeContainer shapes;
+  shapes.append(std::make_unique<ZuSphere>(chain(3)));
+  std::string text;
+  ASSERT_TRUE(shapes.writeToBuffer(text, "shapes"));
+  ZuShapeContainer readBack;
+  ASSERT_TRUE(readBack.readFromBuffer(text));
+  EXPECT_EQ(readBack, shapes);
+  ZuShape* const full = readBack.shape(0);
+  EXPECT_EQ(full->container(), &readBack);
+  EXPECT_EQ(full->lowerFidelityRepresentation()->container(), full->container());
+  EXPECT_EQ(full->lowerFidelityRepresentation()->higherFidelityRepresentation(), full);
+  EXPECT_EQ(full->numberOfShapes(), 4U);
+}
+
+TEST_F(Shape, AChainNeedsAContainerToBeRead) {
+  ZuSphere sphere(ZuVector(), 2.0, 3);
+  PrintSink sink;
+  EXPECT_FALSE(sphere.readFromBuffer("<sphere>\n<radius>1</radius>\n<capsule/></sphere>"));
+  ASSERT_EQ(sink.messages().size(), 1U);
+  EXPECT_EQ(sink.messages()[0],
+            "ZuShape::readValueFromSpecialToken(): Unable to read token: capsule on line 3 due to NULL container "
+            "pointer.\n");
+  EXPECT_EQ(sphere.radius(), 2.0);
+}
+
+TEST_F(Shape, HostileChainsAreRefusedInOneLine) {
+  ZuShapeContainer shapes = ZuShapeContainer::testObject();
+  for (std::string const& text : {nested(100000), std::string("<shapes>\n<sphere><teapot/></sphere></shapes>"),
+                                  std::string("<shapes><sphere><radius>big</radius></sphere></shapes>"),
+                                  std::string("<shapes><teapot/></shapes>")}) {
+    PrintSink sink;
+    EXPECT_FALSE(shapes.readFromBuffer(text));
+    EXPECT_EQ(sink.messages().size(), 1U) << text.substr(0, 80);
+    EXPECT_NE(sink.messages()[0].find("line "), std::string::npos) << sink.messages()[0];
+    EXPECT_EQ(shapes, ZuShapeContainer::testObject());
+  }
+  EXPECT_TRUE(shapes.readFromBuffer(nested(200)));
+  ZuSphere tooDeep = chain(300);
+  std::string text = "old";
+  PrintSink sink;
+  EXPECT_FALSE(tooDeep.writeToBuffer(text, "sphere")) << "what could not be read is not written";
+  EXPECT_EQ(sink.messages().size(), 1U);
+  EXPECT_EQ(text, "old");
+}
+
+TEST_F(Shape, TheGenericWayRemembersItsResult) {
+  ZuPolyPhysicalExtent const a = cube(1.0);
+  ZuPolyPhysicalExtent const b = cube(0.5);
+  ZuVector w1;
+  ZuVector w2;
+  EXPECT_NEAR(witness(a, b, shift(3), w1, w2), 1.5, 1e-12);
+  EXPECT_NEAR(w1[0], 1.0, 1e-12);
+  EXPECT_NEAR(w2[0], -0.5, 1e-12);
+  ZuVector const v = m_State.getProximityVector(m_Descriptor.key1(), m_Descriptor.key2());
+  EXPECT_TRUE(v.approxEq(ZuVector(-1.5, 0, 0), 1e-12)) << testing::PrintToString(v);
+
+  // Once stamped valid, the stored result is the answer, wherever the shapes are.
+  m_State.setValid(m_Descriptor.key1(), m_Descriptor.key2());
+  EXPECT_NEAR(a.distanceTo(b, shift(9), m_Descriptor, m_State), 1.5, 1e-12);
+  m_State.invalidateAll();
+  EXPECT_NEAR(a.distanceTo(b, shift(9), m_Descriptor, m_State), 7.5, 1e-12);
+}
+
+TEST_F(Shape, ContactFillsTheRingBuffersAndANewContactEmptiesThem) {
+  ZuPolyPhysicalExtent const a = cube(1.0);
+  auto const& key1 = m_Descriptor.key1();
+  auto const& key2 = m_Descriptor.key2();
+  EXPECT_LE(distance(a, a, shift(2)), 0.0) << "touching counts as contact";
+  ZuShapeProximityData* const record = m_State.getProximityData(key1, key2);
+  ASSERT_NE(record, nullptr);
+  ASSERT_NE(record->getPenetrationPointShape1Primary(0), nullptr);
+  EXPECT_NEAR((*record->getPenetrationPointShape1Primary(0))[0], 1.0, 1e-9);
+  EXPECT_NEAR((*record->getPenetrationPointShape2Primary(0))[0], -1.0, 1e-9);
+  EXPECT_EQ(static_cast<int>(record->frictionMode()), 2);
+
+  m_State.setCollisionOccured(key1, key2, true);
+  EXPECT_NEAR(distance(a, a, shift(1.5)), -0.5, 1e-9);
+  EXPECT_NE(record->getPenetrationPointShape1Primary(1), nullptr) << "a lasting contact adds";
+  m_State.setCollisionOccured(key1, key2, false);
+  distance(a, a, shift(1.5));
+  EXPECT_EQ(record->getPenetrationPointShape1Primary(1), nullptr) << "a new contact starts afresh";
+}
+
+TEST_F(Shape, WithoutMemoryTheGenericWayFailsOrForgets) {
+  ZuPolyPhysicalExtent const a = cube(1.0);
+  ZuSystemShapeProximityState empty;
+  PrintSink sink;
+  EXPECT_EQ(a.distanceTo(a, shift(3), m_Descriptor, empty), 0.0);
+  EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuShape::gjkDistanceQuery-->proximity database not initialized\n",
+                                                   "ZuShape::distanceTo-->GJK Failed\n"}));
+  ZuShapeProximityDescriptor unknown;
+  EXPECT_NEAR(a.distanceTo(a, shift(3), unknown, m_State), 1.0, 1e-12);
+  EXPECT_TRUE(sink.take().empty());
+  EXPECT_LE(a.distanceTo(a, shift(1), unknown, m_State), 0.0);
+  EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuStatedSystem::gjkDistanceQuery-->null pointer"}));
+}
+
+TEST_F(Shape, WalkingTheLevelsStopsWhereTheBoundDecides) {
+  ZuSphere a = chain(2);  // radii 1, 2, 3
+  ZuSphere b = chain(0);
+  unsigned int index = 0;
+  std::map<std::string, ZuShape const*> names;
+  std::vector<ZuShape*> shapes;
+  a.setIndexAndBackPointer(index, nullptr, names, shapes);
+  ZuLinkStateCacheKey const link1(1, 0);
+  ZuLinkStateCacheKey const link2(0, 0);
+  struct Case {
+    double shift;
+    double bound;
+    double distance;
+    std::vector<unsigned int> touching;  // shape ids, coarse to fine
+  };
+  for (Case const& c : {Case{9, 0, 5, {}},          // the coarsest decides
+                        Case{3.5, 0, 0.5, {2}},     // the next does
+                        Case{9, 1e300, 7, {}},      // exact
+                        Case{2.5, 0, 0.5, {2, 1}},  // the full shapes are apart
+                        Case{1.5, 0, -0.5, {2, 1, 0}}}) {
+    double d = c.bound;
+    ZuShape::KeyPairs pairs;
+    std::vector<bool> full;
+    ASSERT_TRUE(a.distanceQuery(b, link1, link2, shift(c.shift), true, m_State, d, &pairs, &full));
+    EXPECT_NEAR(d, c.distance, 1e-15) << c.shift;
+    ASSERT_EQ(pairs.size(), c.touching.size()) << c.shift;
+    ASSERT_EQ(full.size(), pairs.size());
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+      EXPECT_EQ(pairs[i].first.shapeID(), c.touching[i]);
+      EXPECT_EQ(full[i], c.touching[i] == 0);
+    }
+  }
+}
+
+namespace {
+
+/// Three links of one sphere each in a row, one metre apart, on two manipulators.
+class Row : public ZuSystemActiveState, public ZuManipulatorSystem {
+ public:
+  explicit Row(ZuSystemShapeProximityState& state) : m_State(state) {}
+  unsigned int numberOfManipulators() const override { return 2; }
+  unsigned int numberOfLinks(unsigned int manipulator) const override { return manipulator == 0 ? 1 : 2; }
+  unsigned int numberOfShapes(unsigned int, unsigned int) const override { return 1; }
+  ZuShape const* shape(ZuShapeStateCacheKey const& key) const override {
+    return key.shapeID() == 0 ? &m_Sphere : nullptr;
+  }
+  bool linkFrame(ZuLinkStateCacheKey const& key, ZuCoordinateSystemTransformation& frame) const override {
+    frame = shift(key.manipID() + key.linkID());
+    return true;
+  }
+  ZuSystemShapeProximityState& proximityState() override { return m_State; }
+  ZuSphere const& sphere() const { return m_Sphere; }
+
+ private:
+  ZuSystemShapeProximityState& m_State;
+  ZuSphere m_Sphere{ZuVector(), 0.4, 3};
+};
+
+}  // namespace
+
+TEST_F(Shape, CollisionsOfASystemAreThosePairsWithinTheMargin) {
+  Row row(m_State);
+  auto const count = [&](double margin, bool own, bool first) {
+    std::vector<ZuShapeCollisionEvent> events;
+    ZuShape::ZuCollisionQueryOptions options;
+    options.includeOwnManipulator = own;
+    options.stopAtFirst = first;
+    row.sphere().collisions(row, ZuLinkStateCacheKey(1, 0), row, options, margin, events);
+    for (ZuShapeCollisionEvent const& event : events) EXPECT_LE(event.distance, margin);
+    return events.size();
+  };
+  EXPECT_EQ(count(0.19, true, false), 0U);
+  EXPECT_EQ(count(0.21, true, false), 2U);
+  EXPECT_EQ(count(0.21, true, true), 1U);
+  EXPECT_EQ(count(0.21, false, false), 1U);
+}
+
+TEST_F(Shape, PenetrationInformationFillsTheRecord) {
+  ZuSphere const a(ZuVector(), 1.0, 3);
+  double d = 9.0;
+  auto const& key1 = m_Descriptor.key1();
+  auto const& key2 = m_Descriptor.key2();
+  EXPECT_FALSE(a.computePenetrationInformation(a, key1, key2, shift(3), m_State, d));
+  EXPECT_EQ(d, 1.0);
+  EXPECT_FALSE(m_State.collisionOccured(key1, key2));
+  EXPECT_TRUE(a.computePenetrationInformation(a, key1, key2, shift(1.5), m_State, d));
+  EXPECT_EQ(d, -0.5);
+  ZuShapeProximityData const& record = *m_State.getProximityData(key1, key2);
+  EXPECT_TRUE(record.collisionOccurred());
+  EXPECT_TRUE(record.collisionPointPrimaryObject1().approxEq(ZuVector(1, 0, 0), 1e-15));
+  EXPECT_TRUE(record.collisionPointPrimaryObject2().approxEq(ZuVector(-1, 0, 0), 1e-15));
+  EXPECT_NEAR(std::abs(record.lineOfAction()[0]), 1.0, 1e-15);
+}
+
+TEST_F(Shape, SubdividedTrianglesShareTheirPoints) {
+  ZuSphere const sphere;
+  ZuXmlVectorVector points(std::vector<ZuVector>{{2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {0, -2, 0}});
+  ZuXmlVectorType<ZuPolygonWithKey> polygons;
+  unsigned int const first[3] = {0, 1, 2};
+  unsigned int const second[3] = {0, 2, 3};
+  sphere.subdivide(points, polygons, first, 2);
+  EXPECT_EQ(points.size(), 4U + 12U);
+  sphere.subdivide(points, polygons, second, 2);
+  EXPECT_EQ(polygons.size(), 32U);
+  EXPECT_EQ(points.size(), 4U + 12U + 9U) << "the three points inside the shared edge are used again";
+  for (ZuVector const& point : points) EXPECT_NEAR(point.mag(), 2.0, 1e-15);
+  unsigned int const wrong[3] = {0, 1, 99};
+  PrintSink sink;
+  sphere.subdivide(points, polygons, wrong, 2);
+  EXPECT_EQ(sink.messages().size(), 1U);
+  EXPECT_EQ(polygons.size(), 32U);
+}
