@@ -1,0 +1,223 @@
+// The program on the scenes that the repository ships, on real robots when they are there, and on bad input.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <pugixml.hpp>
+#include <set>
+#include <sstream>
+
+#include "tests/sharedFiles.h"
+#include "tools/proximityStudy.h"
+#include "tools/scene.h"
+
+namespace {
+
+struct Outcome {
+  int exitCode = -1;
+  std::string output;
+};
+
+/// Runs a command line; its output is read through a pipe.
+Outcome run(std::string const& command) {
+  Outcome outcome;
+  std::FILE* const pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return outcome;
+  std::array<char, 4096> buffer;
+  for (std::size_t n = 0; (n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;)
+    outcome.output.append(buffer.data(), n);
+  int const status = pclose(pipe);
+  if (WIFEXITED(status)) outcome.exitCode = WEXITSTATUS(status);
+  return outcome;
+}
+
+std::string temporary(std::string const& name) { return testing::TempDir() + "zuproximity_" + name; }
+
+std::string written(std::string const& name, std::string const& text) {
+  std::ofstream(temporary(name), std::ios::binary) << text;
+  return temporary(name);
+}
+
+using Triple = std::array<long double, 3>;
+
+Triple triple(char const* text) {
+  std::istringstream stream(text);
+  Triple v{};
+  stream >> v[0] >> v[1] >> v[2];
+  return v;
+}
+
+/// An independent reading and computation of a scene of spheres, in extended precision and by rotation matrices.
+class SphereOracle {
+ public:
+  explicit SphereOracle(std::string const& fileName) {
+    m_Document.load_file(fileName.c_str());
+    for (pugi::xml_node const body : m_Document.child("scene").children("body")) {
+      m_Bodies.push_back(body);
+      auto& spheres = m_Spheres.emplace_back();
+      for (pugi::xml_node const sphere : body.child("shapes").children("sphere")) {
+        spheres.push_back({triple(sphere.child_value("center")), std::strtold(sphere.child_value("radius"), nullptr)});
+      }
+    }
+    for (pugi::xml_node const pair : m_Document.child("scene").children("ignoredPair")) {
+      m_Ignored.insert({pair.child_value("first"), pair.child_value("second")});
+      m_Ignored.insert({pair.child_value("second"), pair.child_value("first")});
+    }
+  }
+
+  long double closest(std::size_t cycle) const {
+    std::vector<std::vector<Triple>> centers;
+    for (std::size_t i = 0; i < m_Bodies.size(); ++i) centers.push_back(placed(i, cycle));
+    long double best = 1e300L;
+    for (std::size_t i = 0; i < m_Bodies.size(); ++i) {
+      for (std::size_t j = i + 1; j < m_Bodies.size(); ++j) {
+        if (m_Ignored.count({m_Bodies[i].child_value("name"), m_Bodies[j].child_value("name")}) != 0) continue;
+        for (std::size_t a = 0; a < centers[i].size(); ++a) {
+          for (std::size_t b = 0; b < centers[j].size(); ++b) {
+            long double const d = std::hypot(centers[i][a][0] - centers[j][b][0], centers[i][a][1] - centers[j][b][1],
+                                             centers[i][a][2] - centers[j][b][2]);
+            best = std::min(best, d - m_Spheres[i][a].radius - m_Spheres[j][b].radius);
+          }
+        }
+      }
+    }
+    return best;
+  }
+
+ private:
+  struct Ball {
+    Triple center;
+    long double radius;
+  };
+
+  std::vector<Triple> placed(std::size_t body, std::size_t cycle) const {
+    pugi::xml_node frame = m_Bodies[body].child("frames").first_child();
+    for (std::size_t k = 0; k < cycle && frame.next_sibling(); ++k) frame = frame.next_sibling();
+    Triple const t = triple(frame.child_value("translation"));
+    long double w = 1, x = 0, y = 0, z = 0;
+    if (frame) std::istringstream(frame.child_value("orientation")) >> w >> x >> y >> z;
+    long double const n = std::sqrt(w * w + x * x + y * y + z * z);
+    w /= n, x /= n, y /= n, z /= n;
+    long double const r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
+                                 {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
+                                 {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
+    std::vector<Triple> result;
+    for (Ball const& ball : m_Spheres[body]) {
+      Triple p = t;
+      for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) p[i] += r[i][j] * ball.center[j];
+      }
+      result.push_back(p);
+    }
+    return result;
+  }
+
+  pugi::xml_document m_Document;
+  std::vector<pugi::xml_node> m_Bodies;
+  std::vector<std::vector<Ball>> m_Spheres;
+  std::set<std::pair<std::string, std::string>> m_Ignored;
+};
+
+void expectAgreement(std::string const& fileName, std::size_t cycles) {
+  Scene scene;
+  ASSERT_TRUE(scene.load(fileName));
+  ASSERT_EQ(scene.numberOfCycles(), cycles);
+  SphereOracle const oracle(fileName);
+  ProximityStudy study(scene, 1e300);
+  ProximityStudy narrow(scene, 0.05);
+  for (std::size_t cycle = 0; cycle < cycles; ++cycle) {
+    CycleResult const result = study.next();
+    long double const expected = oracle.closest(cycle);
+    ASSERT_TRUE(result.found);
+    ASSERT_NEAR(result.closest.distance, static_cast<double>(expected), 1e-12) << "cycle " << cycle;
+    ASSERT_NEAR(result.closest.point1.distanceTo(result.closest.point2), std::abs(result.closest.distance), 1e-12);
+    CycleResult const near = narrow.next();
+    ASSERT_EQ(near.found, result.closest.distance <= 0.05) << "a margin hides only what is beyond it";
+    if (near.found) {
+      ASSERT_EQ(near.closest.distance, result.closest.distance);
+    }
+    ASSERT_LT(near.pairsAsked, result.pairsAsked);
+  }
+}
+
+}  // namespace
+
+TEST(Zuproximity, TheShippedSceneAgreesWithAnIndependentComputation) {
+  expectAgreement(ZU_EXAMPLES_DIR "/two_arms.xml", 60);
+}
+
+TEST(Zuproximity, TwoRealArmsAgreeWithAnIndependentComputation) {
+  std::string const script = sharedFile("tools/scene_from_tables.py");
+  if (!std::filesystem::exists(script)) GTEST_SKIP() << "no " << script;
+  std::string const file = temporary("panda.xml");
+  Outcome const made = run("python3 " + script + " " + sharedFile("data/robots/panda") +
+                           " --model spheres --second 0.9 0 3.14159 --steps 200 > " + file);
+  if (made.exitCode == 127) GTEST_SKIP() << "python3 is not installed";
+  ASSERT_EQ(made.exitCode, 0);
+  Scene scene;
+  ASSERT_TRUE(scene.load(file));
+  expectAgreement(file, scene.numberOfCycles());
+}
+
+TEST(Zuproximity, ScenesAreWrittenAndReadBack) {
+  EXPECT_TRUE(Scene::testObject().selfTest());
+  EXPECT_TRUE(Body::testObject().selfTest());
+}
+
+TEST(Zuproximity, ReportsEveryCycleAsTextAndAsTable) {
+  std::string const csv = temporary("out.csv");
+  Outcome const all =
+      run(std::string(ZUPROXIMITY) + " " ZU_EXAMPLES_DIR "/two_arms.xml --cycles 3 --csv " + csv + " 2>&1");
+  EXPECT_EQ(all.exitCode, 0);
+  EXPECT_NE(all.output.find("cycle 2: "), std::string::npos);
+  EXPECT_NE(all.output.find("closest       cycle "), std::string::npos);
+  EXPECT_EQ(all.output.find('\r'), std::string::npos) << "no progress bar in a pipe";
+  std::ifstream table(csv);
+  std::string line;
+  std::size_t lines = 0;
+  while (std::getline(table, line)) {
+    EXPECT_EQ(std::count(line.begin(), line.end(), ','), 12) << line;
+    ++lines;
+  }
+  EXPECT_EQ(lines, 4U);
+  Outcome const summary =
+      run(std::string(ZUPROXIMITY) + " --summary --margin 0.01 --cycles 1 " ZU_EXAMPLES_DIR "/two_arms.xml");
+  EXPECT_EQ(summary.exitCode, 0);
+  EXPECT_NE(summary.output.find("closest       none within the margin"), std::string::npos) << summary.output;
+}
+
+TEST(Zuproximity, BadInputIsOneClearLineAndExitCodeTwo) {
+  std::string const body = "<body><name>a</name><shapes><sphere/></shapes></body>";
+  std::map<std::string, std::string> const cases = {
+      {"/nonexistent/scene.xml", "No such file"},
+      {written("empty.xml", ""), "no element"},
+      {written("truncated.xml", "<scene>\n<body>"), "line 2"},
+      {written("number.xml", "<scene>\n<body><link>first</link></body></scene>"), "line 2"},
+      {written("element.xml", "<scene>\n\n<robot/></scene>"), "line 3"},
+      {written("twice.xml", "<scene>" + body + "<body><name>b</name></body></scene>"), "a second link 0"},
+      {written("names.xml", "<scene>" + body + "<body><name>a</name><link>1</link></body></scene>"), "named \"a\""},
+      {written("ignored.xml",
+               "<scene>" + body + "<ignoredPair><first>a</first><second>z</second></ignoredPair></scene>"),
+       "named \"z\""},
+      {written("huge.xml", "<scene><body><manipulator>4000000000</manipulator></body></scene>"), "not below"},
+      {written("nan.xml", "<scene><body><shapes><sphere><radius>nan</radius></sphere></shapes></body></scene>"),
+       "not finite"},
+      {"--cycles 0 x.xml", "--cycles takes"},
+      {"--margin -1 x.xml", "--margin takes"},
+      {"--margin", "needs a value"},
+      {"--frobnicate x.xml", "unknown option"},
+      {"", "no scene"},
+      {ZU_EXAMPLES_DIR "/two_arms.xml --csv /nonexistent/out.csv", "/nonexistent/out.csv"}};
+  for (auto const& [arguments, expected] : cases) {
+    Outcome const outcome = run(std::string(ZUPROXIMITY) + " " + arguments + " 2>&1");
+    EXPECT_EQ(outcome.exitCode, 2) << arguments << outcome.output;
+    EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1) << outcome.output;
+    EXPECT_NE(outcome.output.find(expected), std::string::npos) << arguments << ": " << outcome.output;
+  }
+}

@@ -1,0 +1,243 @@
+// zuproximity - how close do the bodies of a moving scene come, cycle by cycle?
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "foundation/zuXmlWriter.h"
+#include "tools/proximityStudy.h"
+#include "tools/scene.h"
+
+namespace {
+
+char const* const theUsage =
+    "usage: zuproximity SCENE.xml [--cycles N] [--margin M] [--csv FILE] [--summary]\n"
+    "\n"
+    "Steps a scene through its cycles and reports the closest pair of shapes of each cycle, with its distance and\n"
+    "nearest points in the world frame, and a summary.\n"
+    "\n"
+    "  --cycles N   do N cycles instead of one for each frame of the scene\n"
+    "  --margin M   pass over pairs that are farther apart than M metres; without it every pair is asked\n"
+    "  --csv FILE   write a line for each cycle to FILE\n"
+    "  --summary    print the summary only\n";
+
+constexpr int theBadInput = 2;  // exit code
+
+struct Options {
+  std::string scene;
+  std::string csv;
+  std::size_t cycles = 0;
+  double margin = std::numeric_limits<double>::max();
+  bool summaryOnly = false;
+  bool help = false;
+};
+
+bool complain(std::string const& what) {
+  std::fprintf(stderr, "zuproximity: %s\n", what.c_str());
+  return false;
+}
+
+bool takeCycles(std::string const& text, Options& options) {
+  char* end = nullptr;
+  options.cycles = std::strtoul(text.c_str(), &end, 10);
+  bool const isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+  return (isNumber && options.cycles > 0) || complain("--cycles takes a whole number above 0, not \"" + text + "\"");
+}
+
+bool takeMargin(std::string const& text, Options& options) {
+  char* end = nullptr;
+  options.margin = std::strtod(text.c_str(), &end);
+  bool const isNumber = end != text.c_str() && *end == '\0' && std::isfinite(options.margin);
+  return (isNumber && options.margin >= 0.0) || complain("--margin takes a length of at least 0, not \"" + text + "\"");
+}
+
+bool takeOption(std::string const& name, std::string const& value, Options& options) {
+  if (name == "--cycles") return takeCycles(value, options);
+  if (name == "--margin") return takeMargin(value, options);
+  options.csv = value;
+  return !value.empty() || complain("--csv takes a file name");
+}
+
+bool parse(int count, char** arguments, Options& options) {
+  for (int i = 1; i < count; ++i) {
+    std::string const argument = arguments[i];
+    if (argument == "--help" || argument == "-h") {
+      options.help = true;
+    } else if (argument == "--summary") {
+      options.summaryOnly = true;
+    } else if (argument == "--cycles" || argument == "--margin" || argument == "--csv") {
+      if (i + 1 == count) return complain(argument + " needs a value");
+      if (!takeOption(argument, arguments[++i], options)) return false;
+    } else if (argument.size() > 1 && argument[0] == '-') {
+      return complain("unknown option " + argument);
+    } else if (options.scene.empty()) {
+      options.scene = argument;
+    } else {
+      return complain("a second scene, " + argument);
+    }
+  }
+  return options.help || !options.scene.empty() || complain("no scene; try --help");
+}
+
+std::string nameOf(Scene const& scene, std::size_t body, std::size_t shape) {
+  return scene.bodies()[body].name() + "[" + std::to_string(shape) + "]";
+}
+
+void printPair(Scene const& scene, PairResult const& pair) {
+  std::printf("%s - %s  distance %.9g m  at (%.6g %.6g %.6g) and (%.6g %.6g %.6g)\n",
+              nameOf(scene, pair.body1, pair.shape1).c_str(), nameOf(scene, pair.body2, pair.shape2).c_str(),
+              pair.distance, pair.point1[0], pair.point1[1], pair.point1[2], pair.point2[0], pair.point2[1],
+              pair.point2[2]);
+}
+
+void printCycle(Scene const& scene, CycleResult const& result) {
+  std::printf("cycle %zu: %zu pairs, ", result.cycle, result.pairsAsked);
+  if (result.found) {
+    printPair(scene, result.closest);
+  } else {
+    std::printf("none within the margin\n");
+  }
+}
+
+/// One line for each cycle; numbers read back to the same doubles.
+class CsvFile {
+ public:
+  bool open(std::string const& fileName) {
+    if (fileName.empty()) return true;
+    m_File.reset(std::fopen(fileName.c_str(), "w"));
+    if (!m_File) return complain(fileName + ": " + std::strerror(errno));
+    std::fputs("cycle,pairs,body1,shape1,body2,shape2,distance,x1,y1,z1,x2,y2,z2\n", m_File.get());
+    return true;
+  }
+  void write(Scene const& scene, CycleResult const& result) {
+    if (!m_File) return;
+    std::string line = std::to_string(result.cycle) + ',' + std::to_string(result.pairsAsked);
+    if (result.found) {
+      PairResult const& pair = result.closest;
+      line += ',' + quoted(scene.bodies()[pair.body1].name()) + ',' + std::to_string(pair.shape1);
+      line += ',' + quoted(scene.bodies()[pair.body2].name()) + ',' + std::to_string(pair.shape2);
+      line += ',' + zuXmlText(pair.distance);
+      for (ZuVector const& point : {pair.point1, pair.point2}) {
+        for (unsigned int i = 0; i < 3; ++i) line += ',' + zuXmlText(point[i]);
+      }
+    } else {
+      line += ",,,,,,,,,,,";
+    }
+    std::fprintf(m_File.get(), "%s\n", line.c_str());
+  }
+  /// Whether everything has reached the file.
+  bool close(std::string const& fileName) {
+    if (!m_File) return true;
+    bool const written = std::ferror(m_File.get()) == 0 && std::fflush(m_File.get()) == 0;
+    return written || complain(fileName + ": not written");
+  }
+
+ private:
+  static std::string quoted(std::string const& text) {
+    std::string result = "\"";
+    for (char const c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return result + '"';
+  }
+  struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  std::unique_ptr<std::FILE, Closer> m_File;
+};
+
+/// A bar on a terminal; nothing in a pipe.
+class ProgressBar {
+ public:
+  explicit ProgressBar(std::size_t total) : m_Total(total), m_Shown(isatty(STDERR_FILENO) != 0) {}
+  ~ProgressBar() {
+    if (m_Shown) std::fprintf(stderr, "\r\033[K");
+  }
+  ProgressBar(ProgressBar const&) = delete;
+  ProgressBar& operator=(ProgressBar const&) = delete;
+
+  void show(std::size_t done) {
+    int const percent = static_cast<int>(100 * done / m_Total);
+    if (!m_Shown || percent == m_Percent) return;
+    m_Percent = percent;
+    std::string const bar(static_cast<std::size_t>(percent) / 2, '#');
+    std::fprintf(stderr, "\r[%-50s] %3d %%", bar.c_str(), percent);
+    std::fflush(stderr);
+  }
+
+ private:
+  std::size_t m_Total;
+  int m_Percent = -1;
+  bool m_Shown;
+};
+
+struct Summary {
+  std::size_t cycles = 0;
+  std::size_t pairsAsked = 0;
+  double seconds = 0.0;
+  double slowest = 0.0;
+  CycleResult closest;
+
+  void add(CycleResult const& result) {
+    ++cycles;
+    pairsAsked += result.pairsAsked;
+    seconds += result.seconds;
+    slowest = std::max(slowest, result.seconds);
+    bool const isCloser = !closest.found || result.closest.distance < closest.closest.distance;
+    if (result.found && isCloser) closest = result;
+  }
+};
+
+void printSummary(Scene const& scene, Summary const& summary, ProximityStudy const& study) {
+  std::size_t shapes = 0;
+  for (Body const& body : scene.bodies()) shapes += body.shapes().size();
+  std::printf("bodies        %zu with %zu shapes\n", scene.bodies().size(), shapes);
+  std::printf("cycles        %zu\n", summary.cycles);
+  std::printf("pairs asked   %zu\n", summary.pairsAsked);
+  for (std::string const& types : study.unanswered()) std::printf("unanswered    %s\n", types.c_str());
+  std::printf("closest       ");
+  if (summary.closest.found) {
+    std::printf("cycle %zu: ", summary.closest.cycle);
+    printPair(scene, summary.closest.closest);
+  } else {
+    std::printf("none within the margin\n");
+  }
+  std::printf("time a cycle  %.1f us, slowest %.1f us\n", 1e6 * summary.seconds / static_cast<double>(summary.cycles),
+              1e6 * summary.slowest);
+}
+
+int run(Options const& options) {
+  Scene scene;
+  CsvFile csv;
+  if (!scene.load(options.scene) || !csv.open(options.csv)) return theBadInput;
+  std::size_t const cycles = options.cycles > 0 ? options.cycles : scene.numberOfCycles();
+  ProximityStudy study(scene, options.margin);
+  Summary summary;
+  {
+    ProgressBar bar(cycles);
+    for (std::size_t cycle = 0; cycle < cycles; ++cycle) {
+      CycleResult const result = study.next();
+      summary.add(result);
+      csv.write(scene, result);
+      if (!options.summaryOnly) printCycle(scene, result);
+      bar.show(cycle + 1);
+    }
+  }
+  printSummary(scene, summary, study);
+  return csv.close(options.csv) ? EXIT_SUCCESS : theBadInput;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  Options options;
+  if (!parse(count, arguments, options)) return theBadInput;
+  if (options.help) {
+    std::fputs(theUsage, stdout);
+    return EXIT_SUCCESS;
+  }
+  return run(options);
+}
