@@ -23,8 +23,8 @@ class ZU_API ZuToken {
 
   std::string const& token() const { return *m_Text; }
 
-  /// By text: one comparison of pointers for equal names of the pool. (A reader's token of a name that was not in the pool
-  /// is beside it, and may be compared with one that was made later.)
+  /// By text: one comparison of pointers for equal names of the pool. (A reader's token of a name that was not in the
+  /// pool is beside it, and may be compared with one that was made later.)
   bool operator==(ZuToken const& other) const { return m_Text == other.m_Text || *m_Text == *other.m_Text; }
   bool operator!=(ZuToken const& other) const { return !(*this == other); }
   /// Alphabetical, so that maps keyed by tokens have the same order on every run.
