@@ -226,6 +226,7 @@ void ZuShape::copyPartsOf(ZuShape const& other) {
   }
   deleteChain();  // only now: the other shape may be a level of this one's chain
   m_LowerFidelityRepresentation = std::move(chain);
+  setContainer(container());
   m_Engine = other.m_Engine ? other.m_Engine->clone() : nullptr;
   m_AABBProcessor.reset(other.m_AABBProcessor ? new ZuAABBCollisionDetection(*other.m_AABBProcessor) : nullptr);
   m_CapsuleBoundingVolume.reset(other.m_CapsuleBoundingVolume ? new ZuCapsule(*other.m_CapsuleBoundingVolume)
@@ -679,6 +680,12 @@ bool ZuShape::computePenetrationInformation(ZuShape const& other, ZuShapeStateCa
   record->setCollisionPointPrimaryObject2(witness2);
   record->setCollisionOccurred(true);
   return true;
+}
+
+void ZuShape::setContainer(ZuXmlBaseVariableCompoundType const* container) {
+  for (ZuShape* level = this; level != nullptr; level = level->m_LowerFidelityRepresentation.get()) {
+    level->ZuBaseExpressionTreeElement::setContainer(container);
+  }
 }
 
 void ZuShape::registerComponents() {

@@ -336,6 +336,9 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   /// unchanged, when the state does not know them or no level could be asked.
   bool query(ZuShapeQueryData& data, ZuSystemActiveState& activeState, bool computePenetration, KeyPairs* pairs) const;
 
+  /// Also of the chain, whose levels are made by the container when they are read.
+  void setContainer(ZuXmlBaseVariableCompoundType const* container) override;
+
   // See ZuXmlCompoundType
   void registerComponents() override;
   bool write(ZuXmlWriter& writer) const override;

@@ -80,7 +80,7 @@ checkInstall() {
   check "installation" cmake --install "$1" --prefix "$prefix" || return
   check "installed client with CMake" clientWithCMake "$work" "$prefix"
   check "installed client with pkg-config" clientWithPkgConfig "$work" "$prefix"
-  [ -e geometry/zuSphere.h ] && check "program of the README" programOfReadme "$work" "$prefix"
+  check "program of the README" programOfReadme "$work" "$prefix"
   check "installed headers stand alone" headersStandAlone "$work" "$prefix"
   check "versioned library names" versionedNames "$prefix"
   check "exported symbols are our own" ownSymbols "$prefix"

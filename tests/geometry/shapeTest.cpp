@@ -75,6 +75,9 @@ TEST_F(Shape, CopiesOwnTheirOwnChain) {
   ZuSphere full = chain(2);
   ZuSphere copy(full);
   EXPECT_EQ(copy, full);
+  copy.setContainer(&ZuShapeContainer::nullObject());
+  EXPECT_EQ(copy.lowerFidelityRepresentation()->container(), copy.container());
+  EXPECT_EQ(ZuSphere(copy).lowerFidelityRepresentation()->container(), nullptr) << "a copy is in no container";
   copy.lowerFidelityRepresentation()->scaleBy(2.0);
   EXPECT_EQ(radiusOf(full.lowerFidelityRepresentation()), 2.0);
   EXPECT_FALSE(copy == full) << "the chain counts in equality";
@@ -148,6 +151,31 @@ TEST_F(Shape, ChainsAreWrittenAndReadBackThroughAContainer) {
   EXPECT_EQ(full->lowerFidelityRepresentation()->container(), full->container());
   EXPECT_EQ(full->lowerFidelityRepresentation()->higherFidelityRepresentation(), full);
   EXPECT_EQ(full->numberOfShapes(), 4U);
+}
+
+TEST_F(Shape, PlugInSolidsAreReadAskedAndWrittenLikeTheLibrarysOwn) {
+  ZuShapeContainer shapes;
+  shapes.setAddLibraries({ZU_TEST_PLUGIN});
+  std::string const text = "<shapes><sphere><radius>1</radius><balloon><radius>2</radius></balloon></sphere></shapes>";
+  {
+    PrintSink sink;
+    EXPECT_FALSE(shapes.readFromBuffer(text)) << "unknown until the library is loaded";
+    EXPECT_EQ(sink.messages().size(), 1U);
+  }
+  ASSERT_TRUE(shapes.processLibraries());
+  ASSERT_TRUE(shapes.readFromBuffer(text));
+  ZuShape const* const balloon = shapes.shape(0)->lowerFidelityRepresentation();
+  ASSERT_NE(balloon, nullptr);
+  EXPECT_EQ(balloon->token(), ZuToken("balloon"));
+  EXPECT_EQ(balloon->distanceTo(ZuVector(5, 0, 0)), 1.0) << "by the plug-in's own radius";
+  std::string again;
+  ZuShapeContainer readBack(shapes);
+  ASSERT_TRUE(shapes.writeToBuffer(again, "shapes"));
+  ASSERT_TRUE(readBack.readFromBuffer(again));
+  EXPECT_EQ(readBack, shapes);
+  PrintSink sink;
+  EXPECT_FALSE(shapes.readFromBuffer("<shapes><spring/></shapes>")) << "a plug-in's class that is no shape";
+  EXPECT_EQ(sink.messages().size(), 1U);
 }
 
 TEST_F(Shape, AChainNeedsAContainerToBeRead) {

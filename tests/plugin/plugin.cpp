@@ -1,7 +1,8 @@
-// A plug-in library, as a client would write it: one class of its own.
+// A plug-in library, as a client would write it: a value and a solid of its own.
 #include "foundation/zuXmlBaseVariableCompoundType.h"
 #include "foundation/zuXmlBasicType.h"
 #include "foundation/zuXmlCompoundType.h"
+#include "geometry/zuSphere.h"
 
 namespace {
 
@@ -24,8 +25,25 @@ class Spring : public ZuXmlClass<Spring, ZuXmlCompoundType> {
   ZuXmlBasicType<double> m_Stiffness;
 };
 
+/// A sphere that is twice as large as its document says.
+class Balloon : public ZuXmlClass<Balloon, ZuSphere> {
+ public:
+  double radius() const override { return 2.0 * ZuSphere::radius(); }
+
+  static ZuToken const& classToken() {
+    static ZuToken const theToken("balloon");
+    return theToken;
+  }
+  static Balloon testObject() {
+    Balloon sample;
+    sample.setRadius(0.25);
+    return sample;
+  }
+};
+
 }  // namespace
 
 extern "C" ZU_API void zuRegisterCreators(ZuXmlBaseVariableCompoundType* container) {
   container->registerComponentCreator(Spring::classToken(), &Spring::creator);
+  container->registerComponentCreator(Balloon::classToken(), &Balloon::creator);
 }
