@@ -118,6 +118,10 @@ bool ZuReArray::LUDecomposition(unsigned int n, std::vector<unsigned int>& pivot
 }
 
 bool ZuReArray::solve(ZuReArray const& rightHandSide, ZuReArray& solution, double* determinant) const {
+  if (&solution == this) {
+    ZuReArray const matrix(*this);  // what follows overwrites the solution
+    return matrix.solve(rightHandSide, solution, determinant);
+  }
   if (&solution != &rightHandSide) solution = rightHandSide;
   bool const isSolved = isSquareOf(rightHandSide.rows(), "solve") &&
                         withFactors(leadingBlock(m_Elements, m_Rows, m_Columns), [&](auto const& factors) {

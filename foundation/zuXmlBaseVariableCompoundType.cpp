@@ -34,6 +34,8 @@ bool loadLibrary(std::string const& fileName, ZuXmlBaseVariableCompoundType& con
     reinterpret_cast<void (*)(ZuXmlBaseVariableCompoundType*)>(symbol)(&container);
   } catch (std::exception const& fault) {
     return refuse(fileName, fault.what());
+  } catch (...) {
+    return refuse(fileName, "its zuRegisterCreators() throws");
   }
   return true;
 }

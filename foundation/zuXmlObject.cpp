@@ -30,6 +30,8 @@ bool guarded(char const* function, std::string const& name, Work work) {
     return work();
   } catch (std::exception const& fault) {
     return refuse(function, name, fault.what());
+  } catch (...) {
+    return refuse(function, name, "a class throws");
   }
 }
 

@@ -15,8 +15,10 @@ class ZU_API ZuXmlPairType : public ZuXmlClass<ZuXmlPairType<A, B>, ZuXmlCompoun
   B const& second() const { return m_Second; }
   B& second() { return m_Second; }
   void set(A const& first, B const& second) {
-    m_First = first;
-    m_Second = second;
+    A const newFirst(first);  // either may be part of this pair
+    B const newSecond(second);
+    m_First = newFirst;
+    m_Second = newSecond;
   }
   void setFirst(A const& first) { m_First = first; }
   void setSecond(B const& second) { m_Second = second; }

@@ -27,8 +27,8 @@ class ZU_API ZuLine : public ZuXmlClass<ZuLine, ZuXmlCompoundType> {
   virtual double distanceSquaredFromLineTo(ZuVector const& p) const;
   /// t is the parameter of the point of the line nearest to p.
   virtual double distanceSquaredFromLineTo(ZuVector const& p, double& t) const;
-  /// s on this line, t on the other one, of the closest points. Parallel is an exact test; parallel lines give s = 0.
-  /// The distance is as good as the rounded directions allow at every angle; see zuClosestParameters().
+  /// s on this line, t on the other one, of the closest points. Lines that are parallel but for rounding (sine at most
+  /// theZuParallelSine) give s = 0. The distance is as good as the rounded directions allow; see zuClosestParameters().
   virtual double distanceSquared(ZuLine const& other, double& s, double& t) const;
   virtual ZuVector pointOnLineClosestTo(ZuVector p) const;
 

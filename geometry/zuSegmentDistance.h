@@ -57,6 +57,10 @@ inline double zuCarrierDistanceSquared(ZuVector const& p, ZuPlainSegment const& 
   return (w - t * segment.delta).magSquared();
 }
 
+/// Largest sine of an angle between lines that count as parallel: four roundings of a component. With less, the
+/// parameters of lines that are parallel but for rounding would be noise divided by noise.
+inline constexpr double theZuParallelSine = 4.0 * 0x1p-52;
+
 /// Where the lines p + s u and q + t v come closest, given w = p - q and vSquared = |v|^2: false, and nothing is set,
 /// when they are parallel.
 ///
@@ -66,11 +70,14 @@ inline double zuCarrierDistanceSquared(ZuVector const& p, ZuPlainSegment const& 
 /// 1e-8 one in four had a distance off by more than 1e-12 of its extent, the worst by 1.9 extents. Lagrange's identity
 /// gives the same quantities without that loss, D = |u x v|^2 and b e - c d = (u x v).(v x w), and t = (b s + e) / c is
 /// the best t for s whatever error s has: on the same pairs the worst distance is off by 2 eps of the extent.
+///
+/// Directions that are multiples of each other only up to rounding leave a cross product of rounding alone, from which
+/// no parameter can be had: lines count as parallel when the sine of their angle is at most theZuParallelSine.
 inline bool zuClosestParameters(ZuVector const& u, ZuVector const& v, double vSquared, ZuVector const& w, double& s,
                                 double& t) {
   ZuVector const normal = u.cross(v);
   double const determinant = normal.magSquared();
-  if (determinant == 0.0) return false;
+  if (determinant <= theZuParallelSine * theZuParallelSine * u.magSquared() * vSquared) return false;
   s = normal.dot(v.cross(w)) / determinant;
   t = (u.dot(v) * s + v.dot(w)) / vSquared;
   return true;

@@ -35,6 +35,8 @@ namespace {
 
 char const* const theBoundingSurface = "Bounding";
 
+thread_local std::uint64_t theUnansweredPairs = 0;
+
 void print(char const* message) { Zu::Print::instance().write(Zu::PRINT_WARNING, "%s", message); }
 
 /// A default shape of the type; null for the types that bound nothing.
@@ -76,24 +78,6 @@ std::vector<ZuShape const*> levelsOf(ZuShape const& shape, bool all) {
   }
   std::reverse(levels.begin(), levels.end());
   return levels;
-}
-
-/// A new contact begins: nothing of an earlier one is to be seen in the record.
-void resetForNewContact(ZuShapeProximityData& record) {
-  record.setVelocityPrimaryObject1(ZuGeneralMotion::nullObject());
-  record.setVelocityPrimaryObject2(ZuGeneralMotion::nullObject());
-  record.setFrictionMode(static_cast<ZuShapeProximityData::ZuFrictionMode>(2));
-  record.resetPenetrationPointBuffers();
-}
-
-/// Stores a fresh result; the distance and the witness points are current from now on.
-void storeResult(ZuSystemShapeProximityState const& state, ZuShapeProximityData& record, double distance,
-                 ZuVector const& direction, ZuVector const& witness1, ZuVector const& witness2) {
-  record.setDistance(distance);
-  record.setDistanceUpdateTime(state.updateTime());
-  record.setProximityVector(direction);
-  record.setWitnessPoints(witness1, witness2);
-  record.setWitnessPointsUpdateTime(state.updateTime());
 }
 
 /// Finds points of a list by their bits.
@@ -224,7 +208,10 @@ void ZuShape::copyPartsOf(ZuShape const& other) {
     chain.reset(static_cast<ZuShape*>(other.m_LowerFidelityRepresentation->clone()));
     chain->m_HigherFidelityRepresentation = this;
   }
-  deleteChain();  // only now: the other shape may be a level of this one's chain
+  // A level of this shape's own chain lives on as long as the assignment needs it: derived classes copy from it yet.
+  bool const isOwnLevel = isInChain(other);
+  if (isOwnLevel) m_RetiredChain = std::move(m_LowerFidelityRepresentation);
+  deleteChain();
   m_LowerFidelityRepresentation = std::move(chain);
   setContainer(container());
   m_Engine = other.m_Engine ? other.m_Engine->clone() : nullptr;
@@ -234,6 +221,12 @@ void ZuShape::copyPartsOf(ZuShape const& other) {
 }
 
 ZuShape::~ZuShape() { deleteChain(); }
+
+bool ZuShape::isInChain(ZuShape const& shape) const {
+  ZuShape const* level = m_LowerFidelityRepresentation.get();
+  while (level != nullptr && level != &shape) level = level->m_LowerFidelityRepresentation.get();
+  return level != nullptr;
+}
 
 /// Level by level, so that a long chain does not end in as many nested destructors.
 void ZuShape::deleteChain() {
@@ -268,6 +261,7 @@ double ZuShape::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformatio
                            ZuShapeProximityDescriptor const& descriptor, ZuSystemShapeProximityState& state) const {
   double distance = 0.0;
   if (!gjkDistanceQuery(other, descriptor.key1(), descriptor.key2(), xform, true, state, distance)) {
+    ++theUnansweredPairs;
     print("ZuShape::distanceTo-->GJK Failed\n");
   }
   return distance;
@@ -295,10 +289,6 @@ bool ZuShape::distanceAndWitnessPointsQuery(ZuShape const& other, ZuLinkStateCac
 
 /// From the coarsest levels of both chains to the full shapes; a shorter chain waits at its coarsest level.
 bool ZuShape::walkLevels(LevelQuery& query) const {
-  if (!query.state.isInitialized()) {
-    print("ZuShape::distanceQuery-->proximity database not initialized\n");
-    return false;
-  }
   std::vector<ZuShape const*> const levels1 = levelsOf(*this, query.allLevels);
   std::vector<ZuShape const*> const levels2 = levelsOf(query.other, query.allLevels);
   double const bound = query.distance;
@@ -309,10 +299,16 @@ bool ZuShape::walkLevels(LevelQuery& query) const {
     ZuShapeProximityDescriptor descriptor;
     descriptor.setKey1(levelKey(query.link1, level1));
     descriptor.setKey2(levelKey(query.link2, level2));
-    ZuVector witness1;
-    ZuVector witness2;
+    ZuVector witness1 = query.witness1 != nullptr ? *query.witness1 : ZuVector();
+    ZuVector witness2 = query.witness2 != nullptr ? *query.witness2 : ZuVector();
+    std::uint64_t const before = unansweredPairs();
     double distance =
         level1.distanceAndWitnessPointsTo(level2, query.xform, descriptor, query.state, witness1, witness2);
+    if (unansweredPairs() != before) {  // this level decides nothing
+      if (isFull) query.distance = bound;
+      if (isFull) return false;
+      continue;
+    }
     if (!query.computePenetration) distance = std::max(distance, 0.0);
     if (distance <= 0.0 && query.pairs != nullptr) {
       query.pairs->emplace_back(descriptor.key1(), descriptor.key2());
@@ -346,7 +342,7 @@ bool ZuShape::gjkDistanceAndWitnessPointsQuery(ZuShape const& other, ZuShapeStat
                          witness2, distance, &direction)) {
     return false;
   }
-  if (record != nullptr) storeResult(state, *record, distance, direction, witness1, witness2);
+  if (record != nullptr) record->storeResult(distance, direction, witness1, witness2, state.updateTime());
   if (!(distance > 0.0)) recordContact(record, witness1, witness2);
   return true;
 }
@@ -357,7 +353,7 @@ void ZuShape::recordContact(ZuShapeProximityData* record, ZuVector const& witnes
     print("ZuStatedSystem::gjkDistanceQuery-->null pointer");
     return;
   }
-  if (!record->collisionOccurred()) resetForNewContact(*record);
+  if (!record->collisionOccurred()) record->startContact();
   record->insertPenetrationPointShape1Primary(witness1);
   record->insertPenetrationPointShape2Primary(witness2);
 }
@@ -389,9 +385,15 @@ ZuShape const* ZuShape::higherFidelityRepresentation() const { return m_HigherFi
 ZuShape* ZuShape::higherFidelityRepresentation() { return m_HigherFidelityRepresentation; }
 
 void ZuShape::setLowerFidelityRepresentation(ZuShape* shape) {
+  if (shape == this) return print("ZuShape::setLowerFidelityRepresentation-->a shape can't bound itself");
   if (shape == m_LowerFidelityRepresentation.get()) return;
+  std::unique_ptr<ZuShape> taken(shape);
+  for (ZuShape* level = this; level != nullptr; level = level->m_LowerFidelityRepresentation.get()) {
+    if (level->m_LowerFidelityRepresentation == taken)
+      static_cast<void>(level->m_LowerFidelityRepresentation.release());
+  }
   deleteChain();
-  m_LowerFidelityRepresentation.reset(shape);
+  m_LowerFidelityRepresentation = std::move(taken);
 }
 
 void ZuShape::setHigherFidelityRepresentation(ZuShape* shape) { m_HigherFidelityRepresentation = shape; }
@@ -429,8 +431,8 @@ void ZuShape::setCanDeform(bool const& canDeform) { m_CanDeform = canDeform; }
 bool ZuShape::normalOfIntersection(ZuLineSegment const& segment, ZuCoordinateSystemTransformation const& xform,
                                    ZuVector& normal) const {
   ZuShapePointEvent event;
-  if (!intersectLineSegment(xform * segment, event) || event.startsInside) return false;
-  normal = event.entry.normal;
+  if (!intersectLineSegment(xform * segment, event) || (event.startsInside && event.endsInside)) return false;
+  normal = event.startsInside ? event.exit.normal : event.entry.normal;
   return true;
 }
 
@@ -481,6 +483,7 @@ void ZuShape::capsuleBoundingVolumeVectorInPrimary(ZuXmlVectorType<ZuCapsule>& c
 
 void ZuShape::subdivide(ZuXmlVectorVector& points, ZuXmlVectorType<ZuPolygonWithKey>& polygons,
                         unsigned int const* triangle, int levels) const {
+  if (triangle == nullptr) return;
   Triangle const corners = {triangle[0], triangle[1], triangle[2]};
   for (unsigned int const corner : corners) {
     if (corner < points.size()) continue;
@@ -649,6 +652,7 @@ double ZuShape::distanceAndWitnessPointsTo(ZuShape const& other, ZuCoordinateSys
   double distance = 0.0;
   if (!gjkDistanceAndWitnessPointsQuery(other, descriptor.key1(), descriptor.key2(), xform, true, state, distance,
                                         witness1, witness2)) {
+    ++theUnansweredPairs;
     print("ZuShape::distanceAndWitnessPointsTo-->GJK Failed\n");
   }
   return distance;
@@ -658,28 +662,42 @@ ZuCapsule const& ZuShape::capsuleBoundingVolume() const {
   return m_CapsuleBoundingVolume ? *m_CapsuleBoundingVolume : physicalExtent().capsuleBoundingVolume();
 }
 
-void ZuShape::setCapsuleBoundingVolume(ZuCapsule const& capsule) {
-  m_CapsuleBoundingVolume = std::make_unique<ZuCapsule>(capsule);
-}
+void ZuShape::setCapsuleBoundingVolume(ZuCapsule const& capsule) { keepCapsule(capsule); }
 
 bool ZuShape::computePenetrationInformation(ZuShape const& other, ZuShapeStateCacheKey const& key1,
                                             ZuShapeStateCacheKey const& key2,
                                             ZuCoordinateSystemTransformation const& xform,
                                             ZuSystemShapeProximityState& state, double& distance) const {
+  ZuShapeProximityData* const record = state.getProximityData(key1, key2);
   ZuVector witness1;
   ZuVector witness2;
   ZuVector direction;
-  computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, distance, direction);
+  double found = distance;
+  if (!computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, found, direction) && found <= 0.0) {
+    return false;
+  }
+  distance = found;
   bool const touching = distance <= 0.0;
-  ZuShapeProximityData* const record = state.getProximityData(key1, key2);
   if (!touching || record == nullptr) return touching;
-  storeResult(state, *record, distance, direction, witness1, witness2);
+  if (direction == ZuVector()) record->getWitnessPoints(witness1, witness2);  // concentric: there are no nearest points
+  record->storeResult(distance, direction, witness1, witness2, state.updateTime());
   recordContact(record, witness1, witness2);
-  record->setLineOfAction((witness1 - xform * witness2).unitVector());
+  ZuVector const depth = witness1 - xform * witness2;
+  record->setLineOfAction((depth != ZuVector() ? depth : direction).unitVector());
   record->setCollisionPointPrimaryObject1(witness1);
   record->setCollisionPointPrimaryObject2(witness2);
   record->setCollisionOccurred(true);
   return true;
+}
+
+std::unique_ptr<ZuXmlObject> ZuShape::emptyLikeThis() const {
+  std::unique_ptr<ZuXmlObject> fresh = ZuBaseExpressionTreeElement::emptyLikeThis();
+  auto& shape = static_cast<ZuShape&>(*fresh);
+  shape.m_Link = m_Link;
+  shape.m_StatedSystem = m_StatedSystem;
+  shape.m_BVHLevel = m_BVHLevel;
+  shape.m_ProximityDatabaseIndex = m_ProximityDatabaseIndex;
+  return fresh;
 }
 
 void ZuShape::setContainer(ZuXmlBaseVariableCompoundType const* container) {
@@ -729,11 +747,10 @@ bool ZuShape::readValueFromSpecialToken(ZuToken const& token, ZuXmlReader& reade
   auto* const shape = dynamic_cast<ZuShape*>(object.get());
   bool isRead = false;
   if (shape != nullptr) {
-    static_cast<void>(object.release());
-    object.reset();
     shape->setContainer(container());
     shape->setHigherFidelityRepresentation(this);
     isRead = shape->read(reader);
+    static_cast<void>(object.release());
   } else {
     reader.refuse("<%.64s> is no shape", token.token().c_str());
   }
@@ -752,7 +769,10 @@ void ZuShape::fillForTest() {
   m_BypassDynamics = true;
 }
 
+std::uint64_t ZuShape::unansweredPairs() { return theUnansweredPairs; }
+
 void ZuShape::printNotSupported(char const* operation, ZuShape const& other) const {
+  ++theUnansweredPairs;
   Zu::Print::instance().write(Zu::PRINT_WARNING, "%s from shapeID (%d) to shapeID (%d) not supported", operation,
                               static_cast<int>(type()), static_cast<int>(other.type()));
 }
@@ -762,7 +782,15 @@ bool ZuShape::report(bool touching, ZuShapeProximityDescriptor const& descriptor
   return touching;
 }
 
-void ZuShape::geometryChanged() { m_PhysicalExtent.reset(); }
+void ZuShape::geometryChanged() {
+  m_PhysicalExtent.reset();
+  m_CapsuleBoundingVolume.reset();
+}
+
+ZuCapsule const& ZuShape::keepCapsule(ZuCapsule const& capsule) const {
+  m_CapsuleBoundingVolume = std::make_unique<ZuCapsule>(capsule);
+  return *m_CapsuleBoundingVolume;
+}
 
 void ZuShape::scaleChainBy(double factor) {
   if (m_LowerFidelityRepresentation) m_LowerFidelityRepresentation->scaleBy(factor);
@@ -777,6 +805,7 @@ void ZuShape::dressExtent(ZuBasePhysicalExtent& extent) const {
   extent.setCanDeform(canDeform());
   extent.setBypassDynamics(bypassDynamics());
   extent.setStatedSystem(m_StatedSystem);
+  extent.setBVHLevel(m_BVHLevel);
   if (m_BVHLevel == 0) {
     extent.setSurfaces(m_Surfaces);
     extent.setSurfaceProperty(surfaceProperty());

@@ -1,6 +1,7 @@
 // zuShape.h - base of every solid. Group: shapes.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -128,7 +129,8 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   /// @param computePenetration depths of overlapping full shapes
   /// @param pairs when not null, the keys of each pair of levels that touches are appended, coarse to fine
   /// @param fullShapes when not null, gets one entry for each pair appended: whether it is that of the full shapes
-  /// @return false when no level could be asked, and then nothing changes
+  /// Levels whose pair is not answered are passed over.
+  /// @return false when the pair of the full shapes was to decide and is not answered; `distance` is then as it was
   virtual bool distanceQuery(ZuShape const& other, ZuLinkStateCacheKey const& key1, ZuLinkStateCacheKey const& key2,
                              ZuCoordinateSystemTransformation const& xform, bool const& computePenetration,
                              ZuSystemShapeProximityState& state, double& distance, KeyPairs* pairs,
@@ -306,11 +308,16 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
                                             ZuSystemShapeProximityState& state, ZuVector& witness1,
                                             ZuVector& witness2) const;
 
-  /// A capsule that encloses the shape: the one that was set, otherwise that of the physical extent.
+  /// A capsule that bounds the shape: the one that was set since the geometry last changed, otherwise that of the
+  /// physical extent, which bounds the approximation rather than a round solid itself.
   virtual ZuCapsule const& capsuleBoundingVolume() const;
   virtual void setCapsuleBoundingVolume(ZuCapsule const& capsule);
 
   // Not virtual.
+
+  /// How many pairs, in this thread, were not answered so far: they printed a line and gave 0 or false. A caller that
+  /// must tell "touching" from "not answered" compares the number before and after it asks.
+  static std::uint64_t unansweredPairs();
 
   /// gjkDistanceAndWitnessPointsQuery() without the points.
   bool gjkDistanceQuery(ZuShape const& other, ZuShapeStateCacheKey const& key1, ZuShapeStateCacheKey const& key2,
@@ -336,6 +343,8 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   /// unchanged, when the state does not know them or no level could be asked.
   bool query(ZuShapeQueryData& data, ZuSystemActiveState& activeState, bool computePenetration, KeyPairs* pairs) const;
 
+  /// Keeps the place in the system beside the container.
+  std::unique_ptr<ZuXmlObject> emptyLikeThis() const override;
   /// Also of the chain, whose levels are made by the container when they are read.
   void setContainer(ZuXmlBaseVariableCompoundType const* container) override;
 
@@ -371,6 +380,10 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   /// The polyhedral approximation that is kept, null when there is none, and the place to keep a new one.
   ZuBasePhysicalExtent* keptExtent() const { return m_PhysicalExtent.get(); }
   void keepExtent(std::unique_ptr<ZuBasePhysicalExtent> extent) const;
+  /// Keeps the capsule until the geometry changes.
+  ZuCapsule const& keepCapsule(ZuCapsule const& capsule) const;
+  /// The capsule that is kept; null when there is none.
+  ZuCapsule const* keptCapsule() const { return m_CapsuleBoundingVolume.get(); }
   /// Gives a new approximation the base attributes and surfaces of this shape: "Bounding" for a level of a chain.
   void dressExtent(ZuBasePhysicalExtent& extent) const;
   /// The shape's engine, made on first use.
@@ -383,6 +396,7 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   void copyPartsOf(ZuShape const& other);
   static void recordContact(ZuShapeProximityData* record, ZuVector const& witness1, ZuVector const& witness2);
   void deleteChain();
+  bool isInChain(ZuShape const& shape) const;
 
   ZuXmlBasicType<unsigned int> m_DetailLevel{3U};
   Surfaces m_Surfaces;
@@ -403,5 +417,6 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   unsigned int m_SupportPointID = 0;
   mutable std::unique_ptr<ZuGJK> m_Engine;
   mutable std::unique_ptr<ZuAABBCollisionDetection> m_AABBProcessor;
-  std::unique_ptr<ZuCapsule> m_CapsuleBoundingVolume;
+  mutable std::unique_ptr<ZuCapsule> m_CapsuleBoundingVolume;
+  std::unique_ptr<ZuShape> m_RetiredChain;
 };

@@ -24,9 +24,9 @@ ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuTriPhysicalExtent>(*this);
 }
 
-ZuShape const* ZuShapeContainer::shape(std::size_t index) const { return static_cast<ZuShape const*>(element(index)); }
+ZuShape const* ZuShapeContainer::shape(std::size_t index) const { return dynamic_cast<ZuShape const*>(element(index)); }
 
-ZuShape* ZuShapeContainer::shape(std::size_t index) { return static_cast<ZuShape*>(element(index)); }
+ZuShape* ZuShapeContainer::shape(std::size_t index) { return dynamic_cast<ZuShape*>(element(index)); }
 
 void ZuShapeContainer::append(std::unique_ptr<ZuShape> shape) {
   if (!shape) return;

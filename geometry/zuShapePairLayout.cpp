@@ -22,6 +22,7 @@ unsigned int shapesInSlot(ZuManipulatorSystem const& system, std::size_t manipul
 bool ZuShapePairLayout::covers(ZuManipulatorSystem const& system) const {
   if (system.numberOfManipulators() > numberOfBlocks()) return false;
   for (std::size_t manipulator = 0; manipulator < system.numberOfManipulators(); ++manipulator) {
+    if (slotsOf(system, manipulator) > m_theMaximumLinks) return false;
     for (std::size_t slot = 0; slot < slotsOf(system, manipulator); ++slot) {
       if (shapesInSlot(system, manipulator, slot) > m_Manipulators[manipulator].shapes(slot)) return false;
     }
@@ -46,6 +47,7 @@ bool ZuShapePairLayout::fit(ZuManipulatorSystem const& system, bool nothingIsGiv
 bool ZuShapePairLayout::append(ZuManipulatorSystem const& system, ZuShapePairLayout const& atLeast) {
   std::size_t const block = numberOfBlocks();
   std::size_t const systemSlots = slotsOf(system, block);
+  if (systemSlots > m_theMaximumLinks) return false;
   Manipulator const none;
   Manipulator const& before = block < atLeast.numberOfBlocks() ? atLeast.m_Manipulators[block] : none;
   Manipulator next;

@@ -19,6 +19,9 @@
 /// Memory: 4 bytes per link slot and 40 per manipulator. Looking up never allocates.
 class ZU_API ZuShapePairLayout {
  public:
+  /// Links of one manipulator that are believed: a system that claims more has no layout. Each takes four bytes.
+  static constexpr std::size_t m_theMaximumLinks = std::size_t{1} << 24;
+
   struct Place {
     std::size_t block;  ///< the first manipulator id
     std::size_t index;  ///< in the block

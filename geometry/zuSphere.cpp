@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "foundation/zuPrint.h"
+#include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuLineSegment.h"
@@ -212,13 +213,15 @@ void ZuSphere::fitToPoints(ZuXmlVectorVector const& points) {
     Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuSphere::fitToPoints-->no points");
     return;
   }
-  setCenter(points[0]);
-  setRadius(0.0);
-  ZuSphere pointSphere(ZuVector(), 0.0, 3);
+  // Beside this sphere: the points may be those of its own approximation, which goes when it changes.
+  ZuSphere grown(points[0], 0.0, 3);
+  ZuSphere pointSphere(points[0], 0.0, 3);
   for (ZuVector const& point : points) {
     pointSphere.setCenter(point);
-    expandSelfToInclude(pointSphere);
+    grown.expandSelfToInclude(pointSphere);
   }
+  setCenter(grown.center());
+  setRadius(grown.radius());
 }
 
 void ZuSphere::physicalExtent(std::vector<ZuBasePhysicalExtent*>& extents) const {
@@ -262,6 +265,15 @@ double ZuSphere::distanceAndWitnessPointsTo(ZuShape const& other, ZuCoordinateSy
   }
   printNotSupported("ZuSphere::distanceAndWitnessPointsTo-->Distance", other);
   return 0.0;
+}
+
+void ZuSphere::axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const {
+  box.resize(capsuleBoundingVolume());
+}
+
+ZuCapsule const& ZuSphere::capsuleBoundingVolume() const {
+  return keptCapsule() != nullptr ? *keptCapsule()
+                                  : keepCapsule(ZuCapsule(ZuLineSegment(center(), center()), radius()));
 }
 
 void ZuSphere::registerComponents() {

@@ -80,12 +80,16 @@ class ZU_API ZuSphere : public ZuXmlClass<ZuSphere, ZuShape> {
   ZuBasePhysicalExtent& physicalExtent() const override;
   bool isConvex() const override { return true; }
   ZuShapeValues type() const override { return SPHERE; }
+  /// Of the solid, not of its approximation, which lies inside.
+  void axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const override;
   bool computePenetrationDistanceAndSupportPoints(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
                                                   ZuVector& witness1, ZuVector& witness2, double& distance,
                                                   ZuVector& direction) const override;
   double distanceAndWitnessPointsTo(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
                                     ZuShapeProximityDescriptor const& descriptor, ZuSystemShapeProximityState& state,
                                     ZuVector& witness1, ZuVector& witness2) const override;
+  /// The sphere itself, unless another was set.
+  ZuCapsule const& capsuleBoundingVolume() const override;
 
   void registerComponents() override;
   static ZuToken const& classToken();

@@ -1,5 +1,7 @@
 #include "geometry/zuSystemShapeProximityState.h"
 
+#include "foundation/zuPrint.h"
+
 template class ZuBaseShapeDataCache<ZuShapeProximityData>;
 
 ZuShapeProximityData const ZuSystemShapeProximityState::m_theNullShapeData;
@@ -68,7 +70,9 @@ double ZuSystemShapeProximityState::allocateAndGetProximityDistance(Key const& k
   return getDistance(key1, key2);
 }
 
-void ZuSystemShapeProximityState::invalidateAll() { ++m_UpdateTime; }
+void ZuSystemShapeProximityState::invalidateAll() {
+  if (++m_UpdateTime == ZuShapeProximityData::m_theNever) m_UpdateTime = 0;
+}
 
 bool ZuSystemShapeProximityState::isValid(Key const& key1, Key const& key2) const {
   ZuShapeProximityData const* const record = getData(key1, key2);
@@ -80,7 +84,14 @@ bool ZuSystemShapeProximityState::isDistanceValid(Key const& key1, Key const& ke
   return record != nullptr && record->distanceUpdateTime() == m_UpdateTime;
 }
 
-void ZuSystemShapeProximityState::setUpdateTime(std::uint64_t const& time) { m_UpdateTime = time; }
+void ZuSystemShapeProximityState::setUpdateTime(std::uint64_t const& time) {
+  if (time == ZuShapeProximityData::m_theNever) {
+    Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuSystemShapeProximityState::setUpdateTime-->%llu is no time",
+                                static_cast<unsigned long long>(time));
+    return;
+  }
+  m_UpdateTime = time;
+}
 
 std::uint64_t ZuSystemShapeProximityState::updateTime() const { return m_UpdateTime; }
 

@@ -16,7 +16,13 @@ extern template class ZuBaseShapeDataCache<ZuShapeProximityData>;
 ///
 /// The operations on a pair look its record up each time; code that needs several of them takes the record once, by
 /// getProximityData(), and works on that. For a pair without record, every setter does nothing, every getter reads
-/// m_theNullShapeData, and nothing is ever valid. See ZuBaseShapeDataCache for the order of keys, costs and threads.
+/// m_theNullShapeData, and nothing is ever valid.
+///
+/// Shape 1 of a record is the shape of the first key in the call that stored it. Nothing is exchanged on the way back:
+/// for shapes of different manipulators, asking (b, a) after (a, b) finds the same record, gives a's witness point
+/// first and the direction of (a, b), and puts b's penetration points into a's ring. Ask a pair in one order.
+///
+/// See ZuBaseShapeDataCache for the order of keys, costs and threads.
 /// Memory: 144 bytes for each record that never touched; 161 bytes for each pair of shapes in a system of ten
 /// manipulators with ten links of one shape, 159 with ten links of ten shapes.
 class ZU_API ZuSystemShapeProximityState
@@ -55,6 +61,8 @@ class ZU_API ZuSystemShapeProximityState
   /// Whether distance and witness points may be taken from memory: the record was stamped by setValid() at this time.
   virtual bool isValid(Key const& key1, Key const& key2) const;
   virtual bool isDistanceValid(Key const& key1, Key const& key2) const;
+  /// The largest number is the time of what was never stored: it is refused with a message, and invalidateAll() passes
+  /// it over.
   virtual void setUpdateTime(std::uint64_t const& time);
   /// 0 at first.
   virtual std::uint64_t updateTime() const;
@@ -86,7 +94,7 @@ class ZU_API ZuSystemShapeProximityState
   /// False until the memory was sized to a system, or the flag set; queries refuse to work then.
   virtual bool isInitialized() const;
 
-  /// Stores the points as current.
+  /// Stores the points as current; not exchanged for (key2, key1).
   virtual void setWitnessPoints(Key const& key1, Key const& key2, ZuVector const& witness1, ZuVector const& witness2);
   /// The points are zero vectors for a pair without record.
   virtual void getWitnessPoints(Key const& key1, Key const& key2, ZuVector& witness1, ZuVector& witness2) const;

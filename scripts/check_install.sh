@@ -60,13 +60,13 @@ versionedNames() {
   done
 }
 
-# ownSymbols PREFIX: the libraries export no function or object of anyone else's. Weak ones are instances of
+# ownSymbols PREFIX: the libraries export no function or object of anyone else's; qHull() is ours too. Weak ones are instances of
 # templates of the standard library and Boost, which clients share with us.
 ownSymbols() {
   local strange
   strange=$(for library in zuFoundation zuGeometry; do
     nm -DC --defined-only "$1/lib/lib$library.so"
-  done | grep -v '\bZu\|\bzu' | grep -vE '^[0-9a-f]+ [VWu] .*\b(std|boost|__gnu_cxx)::')
+  done | grep -v '\bZu\|\bzu\|\bqHull(' | grep -vE '^[0-9a-f]+ [VWu] .*\b(std|boost|__gnu_cxx)::')
   [ -z "$strange" ] && return 0
   echo "$strange"
   return 1

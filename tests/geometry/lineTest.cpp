@@ -259,6 +259,22 @@ TEST(Line, ParallelLinesAreMeasuredFromThePointOfTheFirst) {
   EXPECT_EQ(b.distanceSquaredFromLineTo(a.point()), b.distanceSquaredFromLineTo(a.point(), t));
 }
 
+TEST(Line, LinesThatAreParallelButForRoundingAreAsFarApartAsParallelOnes) {
+  RandomValues random(21);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 2000; ++i) {
+    ZuVector const direction = random.vector();
+    ZuVector const across = direction.cross(random.vector()).unitVector();
+    double const factor = random.scale(0.01, 100.0);
+    ZuVector const p = random.vector();
+    ZuVector const q = p + across + random.real() * direction;
+    double s = 0.0, t = 0.0;
+    EXPECT_NEAR(ZuLine(p, direction).distanceSquared(ZuLine(q, factor * direction), s, t), 1.0, 1e-12);
+    ZuLineSegment const a(p, p + direction), b(q, q + factor * direction);
+    EXPECT_NEAR(a.distanceSquaredLineToLine(b, s, t), 1.0, 1e-10);
+  }
+}
+
 TEST(Line, TheClosestPointIsOnTheLineAndStraightBelow) {
   RandomValues random(405);
   SCOPED_TRACE(random.trace());

@@ -352,7 +352,36 @@ TEST_F(Shape, PenetrationInformationFillsTheRecord) {
   EXPECT_TRUE(record.collisionOccurred());
   EXPECT_TRUE(record.collisionPointPrimaryObject1().approxEq(ZuVector(1, 0, 0), 1e-15));
   EXPECT_TRUE(record.collisionPointPrimaryObject2().approxEq(ZuVector(-1, 0, 0), 1e-15));
-  EXPECT_NEAR(std::abs(record.lineOfAction()[0]), 1.0, 1e-15);
+  EXPECT_NEAR(record.lineOfAction()[0], 1.0, 1e-15) << "towards the other";
+}
+
+TEST_F(Shape, PairsThatAreNotAnsweredAreNotTouching) {
+  ZuSphere const sphere(ZuVector(), 1.0, 3);
+  ZuCapsule const capsule;
+  ZuShape::KeyPairs pairs;
+  double d = 5.0;
+  PrintSink sink;
+  EXPECT_FALSE(sphere.distanceQuery(capsule, ZuLinkStateCacheKey(1, 0), ZuLinkStateCacheKey(0, 0), shift(0), true,
+                                    m_State, d, &pairs, nullptr));
+  EXPECT_EQ(d, 5.0);
+  EXPECT_TRUE(pairs.empty());
+  EXPECT_EQ(sink.messages().size(), 1U);
+}
+
+TEST_F(Shape, ArgumentsThatBelongToTheShapeItselfAreSafe) {
+  ZuSphere sphere = chain(3);
+  sphere.fitFromShape(sphere.physicalExtent());
+  EXPECT_NEAR(sphere.radius(), 1.0, 1e-9);
+  ZuShape* const second = sphere.lowerFidelityRepresentation()->lowerFidelityRepresentation();
+  sphere.setLowerFidelityRepresentation(second);
+  EXPECT_EQ(sphere.numberOfShapes(), 3U) << "the first level is gone, the second and third stay";
+  PrintSink sink;
+  sphere.setLowerFidelityRepresentation(&sphere);
+  EXPECT_EQ(sink.messages().size(), 1U);
+  EXPECT_EQ(sphere.lowerFidelityRepresentation(), second);
+  ZuAxisAlignedBoundingBox box;
+  sphere.axisAlignedBoundingBoxInPrimary(box);
+  EXPECT_LE(box.xMin(), sphere.center()[0] - sphere.radius());
 }
 
 TEST_F(Shape, SubdividedTrianglesShareTheirPoints) {
