@@ -91,7 +91,7 @@ class ZU_API ZuShapePairLayout {
     std::size_t const manipulator = manipulatorOf(key);
     if (manipulator >= m_Manipulators.size()) return false;
     unsigned int const link = key.ZuLinkStateCacheKey::linkID();
-    if (link == theZuNoIndex) return false;
+    if (link == theZuNoIndex) return false;  // its slot would wrap round to 0 where std::size_t has 32 bits
     std::size_t const slot = link == ZuManipulatorSystem::m_theReservedLink ? 0 : static_cast<std::size_t>(link) + 1;
     unsigned int const id = key.ZuShapeStateCacheKey::shapeID();
     if (id >= m_Manipulators[manipulator].shapes(slot)) return false;
