@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <tuple>
 
@@ -30,6 +31,7 @@ namespace {
 constexpr double theLowestDot = -1e16;
 
 char const* const theNoNeighborInfo = "ZuBasePhysicalExtent::supportPoint this physical ext has no neighbor info.";
+char const* const theNoFacetLists = "ZuBasePhysicalExtent::supportPoint m_VertexNeighborFacetsVector empty.";
 
 void print(char const* message) { Zu::Print::instance().write(Zu::PRINT_WARNING, "%s", message); }
 
@@ -108,6 +110,7 @@ void ZuBasePhysicalExtent::copyMesh(ZuBasePhysicalExtent const& other) {
   m_Climb = other.m_Climb;
   m_Derived = other.m_Derived;
   m_Computed = other.m_Computed;
+  m_Outdated = other.m_Outdated;
   m_ModifiedFacets = other.m_ModifiedFacets;
   m_ModIsCleanedUp = other.m_ModIsCleanedUp;
   m_OverwriteDescriptor = other.m_OverwriteDescriptor;
@@ -147,7 +150,39 @@ void ZuBasePhysicalExtent::setPoint(unsigned int index, ZuVector const& point) {
 
 void ZuBasePhysicalExtent::resetNeighborFlags() {
   m_Computed.reset();
+  m_Outdated.reset();
   m_Climb.isReady = false;
+}
+
+void ZuBasePhysicalExtent::setComputed(DerivedStructure structure) const {
+  m_Computed.set(structure);
+  m_Outdated.reset(structure);
+}
+
+/// Runs the builder when points have moved since it ran.
+void ZuBasePhysicalExtent::refresh(DerivedStructure structure, void (ZuBasePhysicalExtent::*builder)()) const {
+  if (m_Outdated[structure]) (const_cast<ZuBasePhysicalExtent&>(*this).*builder)();
+}
+
+std::vector<ZuLineAndNeighbors> const& ZuBasePhysicalExtent::lineAndNeighborsVector() const {
+  refresh(LINES, &ZuBasePhysicalExtent::findLineLengths);
+  refresh(LINE_NORMALS, &ZuBasePhysicalExtent::findNormalOfLines);
+  return m_Derived.lineAndNeighbors;
+}
+
+std::vector<ZuXmlVectorVector> const& ZuBasePhysicalExtent::normalsOfFacets() const {
+  refresh(FACET_NORMALS, &ZuBasePhysicalExtent::findNormalOfFacets);
+  return m_Derived.normalsOfFacets;
+}
+
+ZuXmlVectorVector const& ZuBasePhysicalExtent::normalsOfPoints() const {
+  refresh(POINT_NORMALS, &ZuBasePhysicalExtent::findNormalOfPoints);
+  return m_Derived.normalsOfPoints;
+}
+
+ZuXmlVectorVector const& ZuBasePhysicalExtent::normalsOfLines() const {
+  refresh(LINE_NORMALS, &ZuBasePhysicalExtent::findNormalOfLines);
+  return m_Derived.normalsOfLines;
 }
 
 void ZuBasePhysicalExtent::setModIsCleanedUp(bool isCleanedUp) {
@@ -166,7 +201,7 @@ ZuMeshSurface const& ZuBasePhysicalExtent::surface() const {
     ZuMeshSurface::Builder builder(m_Points);
     forEachFacet([&builder](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) { builder.add(facet, loop); });
     m_Surface = std::make_unique<ZuMeshSurface>(builder);
-    m_Computed.set(BOXES);
+    setComputed(BOXES);
   }
   return *m_Surface;
 }
@@ -180,16 +215,10 @@ void ZuBasePhysicalExtent::facetsChanged() {
 }
 
 void ZuBasePhysicalExtent::pointsMoved() {
-  for (ZuLineAndNeighbors& line : m_Derived.lineAndNeighbors) {
-    line.setLineLength(point(line.vertexIndex0()).distanceTo(point(line.vertexIndex1())));
-    line.setNormalVector(ZuVector());
+  for (DerivedStructure const structure : {LINES, FACET_NORMALS, POINT_NORMALS, LINE_NORMALS}) {
+    if (m_Computed[structure]) m_Outdated.set(structure);
   }
-  for (DerivedStructure const structure : {FACET_NORMALS, POINT_NORMALS, LINE_NORMALS, BOXES}) {
-    m_Computed.reset(structure);
-  }
-  m_Derived.normalsOfFacets.clear();
-  m_Derived.normalsOfPoints.clear();
-  m_Derived.normalsOfLines.clear();
+  m_Computed.reset(BOXES);
   m_Climb.isReady = false;
   m_Surface.reset();
   m_Capsule.reset();
@@ -220,7 +249,7 @@ void ZuBasePhysicalExtent::findVertexNeighborVertices() {
     neighbors.add(b, a);
   });
   m_Derived.vertexNeighborVertices = neighbors.lists();
-  m_Computed.set(VERTEX_VERTICES);
+  setComputed(VERTEX_VERTICES);
 }
 
 void ZuBasePhysicalExtent::setVertexNeighborFacets(FacetLists&& lists) {
@@ -228,7 +257,7 @@ void ZuBasePhysicalExtent::setVertexNeighborFacets(FacetLists&& lists) {
   m_VisitStamps.assign(m_Points.size(), 0);
   m_VisitStamp = 1;
   m_Climb.isReady = false;
-  m_Computed.set(VERTEX_FACETS);
+  setComputed(VERTEX_FACETS);
 }
 
 void ZuBasePhysicalExtent::findLineAndNeighbors() {
@@ -241,16 +270,15 @@ void ZuBasePhysicalExtent::findLineAndNeighbors() {
   if (vertexNeighborFacetsVector().size() != m_Points.size()) {
     return print("ZuBasePhysicalExtent::findLineAndNeighbors m_VertexNeighborFacetsVector size mismatch");
   }
-  std::vector<ZuLineAndNeighbors>& lines = m_Derived.lineAndNeighbors;
-  lines.clear();
-  lines.reserve(neighbors.numberOfItems() / 2);
+  lines().clear();
+  lines().reserve(neighbors.numberOfItems() / 2);
   for (unsigned int i = 0; i + 1 < m_Points.size(); ++i) {
     for (unsigned int const j : neighbors[i]) {
-      if (i < j) lines.emplace_back(i, j, j < m_Points.size() ? m_Points[i].distanceTo(m_Points[j]) : 0.0);
+      if (i < j) lines().emplace_back(i, j, j < m_Points.size() ? m_Points[i].distanceTo(m_Points[j]) : 0.0);
     }
   }
-  for (ZuLineAndNeighbors& line : lines) collectFacetsBeside(line);
-  m_Computed.set(LINES);
+  for (ZuLineAndNeighbors& line : lines()) collectFacetsBeside(line);
+  setComputed(LINES);
 }
 
 void ZuBasePhysicalExtent::collectFacetsBeside(ZuLineAndNeighbors& line) const {
@@ -265,6 +293,14 @@ void ZuBasePhysicalExtent::collectFacetsBeside(ZuLineAndNeighbors& line) const {
     if (holds(more, facet) && !line.addFacetIndex(facet)) tooMany = true;
   }
   if (tooMany) print("ZuBasePhysicalExtent::findLineAndNeighbors more than 2 facets neighbors beside a line.");
+}
+
+void ZuBasePhysicalExtent::findLineLengths() {
+  for (ZuLineAndNeighbors& line : lines()) {
+    if (line.vertexIndex1() >= m_Points.size()) continue;
+    line.setLineLength(m_Points[line.vertexIndex0()].distanceTo(m_Points[line.vertexIndex1()]));
+  }
+  setComputed(LINES);
 }
 
 void ZuBasePhysicalExtent::findVertexNeighborLines() {
@@ -285,7 +321,7 @@ void ZuBasePhysicalExtent::findVertexNeighborLines() {
   lists.endAnnouncing();
   forEachEnd([&lists](unsigned int vertex, unsigned int line) { lists.add(vertex, line); });
   m_Derived.vertexNeighborLines = lists.lists();
-  m_Computed.set(VERTEX_LINES);
+  setComputed(VERTEX_LINES);
 }
 
 /// The line that joins two points; theZuNoIndex when there is none.
@@ -322,7 +358,7 @@ void ZuBasePhysicalExtent::findFacetNeighborLinesVector() {
         static_cast<int>(numLines), static_cast<int>(m_Points.size()));
   }
   m_Derived.facetNeighborLines = std::move(lists);
-  m_Computed.set(FACET_LINES);
+  setComputed(FACET_LINES);
 }
 
 ZuVector ZuBasePhysicalExtent::doubleAreaVector(ZuListView<unsigned int> loop) const {
@@ -345,15 +381,16 @@ void ZuBasePhysicalExtent::findNormalOfFacets() {
     normals[facet.first].pushBack(doubleAreaVector(loop).unitVector());
   });
   m_Derived.normalsOfFacets = std::move(normals);
-  m_Computed.set(FACET_NORMALS);
+  setComputed(FACET_NORMALS);
 }
 
 void ZuBasePhysicalExtent::findNormalOfPoints() {
   if (!isComputed(FACET_NORMALS)) findNormalOfFacets();
+  std::vector<ZuXmlVectorVector> const& normalsOf = normalsOfFacets();
   ZuXmlVectorVector normals;
   normals.resize(m_Points.size());
-  forEachFacet([this, &normals](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
-    ZuVector const& normal = m_Derived.normalsOfFacets[facet.first][facet.second];
+  forEachFacet([&](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
+    ZuVector const& normal = normalsOf[facet.first][facet.second];
     std::size_t const n = loop.size();
     for (std::size_t k = 0; k < n; ++k) {
       unsigned int const before = loop[k == 0 ? n - 1 : k - 1], here = loop[k], after = loop[k + 1 == n ? 0 : k + 1];
@@ -363,24 +400,23 @@ void ZuBasePhysicalExtent::findNormalOfPoints() {
   });
   makeUnit(normals);
   m_Derived.normalsOfPoints = std::move(normals);
-  m_Computed.set(POINT_NORMALS);
+  setComputed(POINT_NORMALS);
 }
 
 void ZuBasePhysicalExtent::findNormalOfLines() {
   if (!isComputed(FACET_NORMALS)) findNormalOfFacets();
   if (!isComputed(LINES)) findLineAndNeighbors();
+  std::vector<ZuXmlVectorVector> const& normalsOf = normalsOfFacets();
   ZuXmlVectorVector normals;
-  normals.reserve(m_Derived.lineAndNeighbors.size());
-  for (ZuLineAndNeighbors& line : m_Derived.lineAndNeighbors) {
+  normals.reserve(lines().size());
+  for (ZuLineAndNeighbors& line : lines()) {
     ZuVector sum;
-    for (ZuFacetIndex const& facet : line.facetIndexVector()) {
-      sum += m_Derived.normalsOfFacets[facet.first][facet.second];
-    }
+    for (ZuFacetIndex const& facet : line.facetIndexVector()) sum += normalsOf[facet.first][facet.second];
     line.setNormalVector(sum.unitVector());
     normals.pushBack(line.normalVector());
   }
   m_Derived.normalsOfLines = std::move(normals);
-  m_Computed.set(LINE_NORMALS);
+  setComputed(LINE_NORMALS);
 }
 
 void ZuBasePhysicalExtent::initNeighborInformation() {
@@ -401,20 +437,15 @@ void ZuBasePhysicalExtent::init() {
 // Support points.
 
 ZuVector ZuBasePhysicalExtent::supportPoint(ZuVector const& direction) const {
-  if (m_Points.empty()) {
+  if (m_Points.empty() || isZero(direction)) {
     m_SupportPointID = 0;
-    if (m_IsConvex && isZero(direction)) skipUnusedPoints(theNoNeighborInfo);
-    return {};
-  }
-  if (isZero(direction)) {
-    m_SupportPointID = 0;
-    if (m_IsConvex) skipUnusedPoints(theNoNeighborInfo);
+    if (m_IsConvex) skipUnusedPoints(isZero(direction) ? theNoNeighborInfo : theNoFacetLists);
   } else if (m_IsConvex) {
     climb(direction);
   } else {
     scan(direction);
   }
-  return m_Points[m_SupportPointID];
+  return m_Points.empty() ? ZuVector() : m_Points[m_SupportPointID];
 }
 
 /// Moves on from an unused point to the next one that a facet uses, or to the last point.
@@ -443,7 +474,7 @@ void ZuBasePhysicalExtent::clearVisitedMarks() const {
 void ZuBasePhysicalExtent::climb(ZuVector const& direction) const {
   clearVisitedMarks();
   if (m_SupportPointID >= m_Points.size()) m_SupportPointID = 0;
-  if (m_SupportPointID == 0) skipUnusedPoints("ZuBasePhysicalExtent::supportPoint m_VertexNeighborFacetsVector empty.");
+  if (m_SupportPointID == 0) skipUnusedPoints(theNoFacetLists);
   double best = m_Points[m_SupportPointID].dot(direction), dot = 0.0;
   unsigned int index = 0;
   visitVertex(m_SupportPointID);
@@ -490,7 +521,7 @@ void ZuBasePhysicalExtent::prepareClimb() const {
   }
   m_Climb = Climb();
   m_Climb.isReady = true;
-  m_Climb.isWholeMesh = used.size() <= m_theLargestScan || totalNumberOfFacets() == 0;
+  m_Climb.isWholeMesh = used.size() <= m_theLargestScan || !isConnected(used);
   if (m_Climb.isWholeMesh) {
     m_Climb.starts = std::move(used);
     return;
@@ -506,10 +537,27 @@ void ZuBasePhysicalExtent::prepareClimb() const {
   }
 }
 
+/// Whether edges join every vertex to every other one: not so where facets have vertices of their own.
+bool ZuBasePhysicalExtent::isConnected(std::vector<unsigned int> const& used) const {
+  IndexLists const& neighbors = vertexNeighborVerticesVector();
+  if (neighbors.size() != m_Points.size()) return false;
+  std::vector<bool> isReached(m_Points.size(), false);
+  std::vector<unsigned int> reached = {used[0]};
+  isReached[used[0]] = true;
+  for (std::size_t i = 0; i < reached.size(); ++i) {
+    for (unsigned int const neighbor : neighbors[reached[i]]) {
+      if (isReached[neighbor]) continue;
+      isReached[neighbor] = true;
+      reached.push_back(neighbor);
+    }
+  }
+  return reached.size() == used.size();
+}
+
 void ZuBasePhysicalExtent::climbFromBestStart(ZuVector const& direction) const {
   IndexLists const& neighbors = m_Derived.vertexNeighborVertices;
   unsigned int present = m_Climb.starts[0];
-  double best = m_Points[present].dot(direction);
+  double best = -std::numeric_limits<double>::infinity();
   auto const tryVertex = [this, &direction, &present, &best](unsigned int vertex) {
     double const dot = m_Points[vertex].dot(direction);
     if (!(dot > best)) return;
@@ -823,46 +871,63 @@ unsigned int ZuBasePhysicalExtent::getClosestPointID(ZuVector const& point, unsi
 
 double ZuBasePhysicalExtent::distanceTo(ZuVector const& point) const {
   double const distance = surface().distanceTo(point);
-  return surface().isInside(point) ? -distance : distance;
+  return isAnyInside({point}) ? -distance : distance;
+}
+
+/// For a figure that does not meet the surface. A closed surface has it inside as a whole or not at all; an open one
+/// may let it out.
+bool ZuBasePhysicalExtent::isAnyInside(std::initializer_list<ZuVector> points) const {
+  ZuMeshSurface const& mesh = surface();
+  return std::any_of(points.begin(), mesh.isClosed() ? points.begin() + 1 : points.end(),
+                     [&mesh](ZuVector const& p) { return mesh.isInside(p); });
 }
 
 double ZuBasePhysicalExtent::distanceTo(ZuLineSegment const& segment) const {
-  double const distance = surface().distanceTo(plainOf(segment));
-  return distance > 0.0 && surface().isInside(segment.endpoint0()) ? -distance : distance;
+  ZuMeshSurface::Segment const plain = plainOf(segment);
+  double const distance = surface().distanceTo(plain);
+  return distance > 0.0 && isAnyInside({plain.p, plain.q}) ? -distance : distance;
 }
 
 double ZuBasePhysicalExtent::distanceTo(ZuGeomTriangle const& triangle) const {
-  double const distance = surface().distanceTo(plainOf(triangle));
-  return distance > 0.0 && surface().isInside(triangle.point(0)) ? -distance : distance;
+  ZuMeshSurface::Triangle const plain = plainOf(triangle);
+  double const distance = surface().distanceTo(plain);
+  return distance > 0.0 && isAnyInside({plain.a, plain.b, plain.c}) ? -distance : distance;
 }
 
 double ZuBasePhysicalExtent::distanceTo(ZuRectangle const& rectangle) const {
-  ZuVector const corners[] = {rectangle.corner(0), rectangle.corner(1), rectangle.corner(2), rectangle.corner(3)};
-  double const distance =
-      std::min(surface().distanceTo(ZuTriangleKernels::Triangle{corners[0], corners[1], corners[2]}),
-               surface().distanceTo(ZuTriangleKernels::Triangle{corners[0], corners[2], corners[3]}));
-  return distance > 0.0 && surface().isInside(corners[0]) ? -distance : distance;
+  ZuVector const c[] = {rectangle.corner(0), rectangle.corner(1), rectangle.corner(2), rectangle.corner(3)};
+  double const distance = std::min(surface().distanceTo(ZuMeshSurface::Triangle{c[0], c[1], c[2]}),
+                                   surface().distanceTo(ZuMeshSurface::Triangle{c[0], c[2], c[3]}));
+  return distance > 0.0 && isAnyInside({c[0], c[1], c[2], c[3]}) ? -distance : distance;
 }
 
 bool ZuBasePhysicalExtent::checkIntersect(ZuVector const& point) const { return distanceTo(point) <= 0.0; }
 
 bool ZuBasePhysicalExtent::checkIntersect(ZuLineSegment const& segment) const {
-  return surface().meets(plainOf(segment)) || surface().isInside(segment.endpoint0());
+  ZuMeshSurface::Segment const plain = plainOf(segment);
+  return surface().meets(plain) || isAnyInside({plain.p, plain.q});
 }
 
 bool ZuBasePhysicalExtent::checkIntersect(ZuGeomTriangle const& triangle) const {
-  return surface().meets(plainOf(triangle)) || surface().isInside(triangle.point(0));
+  ZuMeshSurface::Triangle const plain = plainOf(triangle);
+  return surface().meets(plain) || isAnyInside({plain.a, plain.b, plain.c});
 }
 
 bool ZuBasePhysicalExtent::intersectLineSegment(ZuLineSegment const& segment, ZuShapePointEvent& event) const {
+  ZuVector const start = segment.endpoint0(), end = segment.endpoint1();
   event = ZuShapePointEvent();
   event.shapeID = proximityDatabaseIndex();
   bool const crosses = surface().findCrossings(plainOf(segment), event.entry, event.exit);
-  event.startsInside = surface().isInside(segment.endpoint0()) && !(crosses && event.entry.t == 0.0);
-  event.endsInside = crosses ? surface().isInside(segment.endpoint1()) && event.exit.t != 1.0 : event.startsInside;
-  event.hit = crosses || event.startsInside;
-  if (event.startsInside) event.entry = {0.0, segment.endpoint0(), ZuVector()};
-  if (event.endsInside) event.exit = {1.0, segment.endpoint1(), ZuVector()};
+  event.startsInside = surface().isInside(start) && !(crosses && event.entry.t == 0.0);
+  event.endsInside = !crosses && surface().isClosed() ? event.startsInside
+                                                      : surface().isInside(end) && !(crosses && event.exit.t == 1.0);
+  event.hit = crosses || event.startsInside || event.endsInside;
+  // Where there is no crossing on the way in or out, it is at an opening, and the end inside stands for it.
+  ZuShapeSurfacePoint const atStart = {0.0, start, ZuVector()}, atEnd = {1.0, end, ZuVector()};
+  if (event.startsInside) event.entry = atStart;
+  if (event.endsInside) event.exit = atEnd;
+  if (!crosses && event.hit && !event.startsInside) event.entry = atEnd;
+  if (!crosses && event.hit && !event.endsInside) event.exit = atStart;
   return event.hit;
 }
 

@@ -3,6 +3,7 @@
 
 #include <bitset>
 #include <boost/shared_ptr.hpp>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,9 +48,10 @@ struct Triangle;
 /// needs neighbour lists (init()) and the promise is the caller's: on a mesh that is marked convex but is not, it may
 /// end on a local maximum.
 ///
-/// **Derived structures** (neighbours, lines, normals) are built by init() or one by one, and are dropped when points
-/// or facets are replaced; what only moves the points keeps the neighbours and drops the rest. They do not persist:
-/// reading a convex mesh builds the neighbours anew. In them a list of lists is a ZuCompressedLists.
+/// **Derived structures** (neighbours, lines, normals) are built by init() or one by one. They are dropped when the
+/// facets, or the number of points, change. When points move they stay, and lengths and normals are found anew when
+/// they are next asked for. They do not persist: reading a convex mesh builds the neighbours anew. In them a list of
+/// lists is a ZuCompressedLists.
 ///
 /// **Cost.** A copy copies points, facets and derived structures; the box hierarchy is built anew when asked for.
 ///
@@ -102,11 +104,11 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   virtual FacetLists const& vertexNeighborFacetsVector() const { return m_Derived.vertexNeighborFacets; }
   /// Per group, per facet: the lines that bound it, in the order of the loop.
   virtual std::vector<IndexLists> const& facetNeighborLinesVector() const { return m_Derived.facetNeighborLines; }
-  virtual std::vector<ZuLineAndNeighbors> const& lineAndNeighborsVector() const { return m_Derived.lineAndNeighbors; }
+  virtual std::vector<ZuLineAndNeighbors> const& lineAndNeighborsVector() const;
   /// Per group, per facet.
-  virtual std::vector<ZuXmlVectorVector> const& normalsOfFacets() const { return m_Derived.normalsOfFacets; }
-  virtual ZuXmlVectorVector const& normalsOfPoints() const { return m_Derived.normalsOfPoints; }
-  virtual ZuXmlVectorVector const& normalsOfLines() const { return m_Derived.normalsOfLines; }
+  virtual std::vector<ZuXmlVectorVector> const& normalsOfFacets() const;
+  virtual ZuXmlVectorVector const& normalsOfPoints() const;
+  virtual ZuXmlVectorVector const& normalsOfLines() const;
   /// Forgets that the derived structures have been built, so that init() builds them again.
   virtual void resetNeighborFlags();
 
@@ -248,6 +250,8 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
                       ZuShapeProximityDescriptor const& descriptor, ZuSystemShapeProximityState& state,
                       KeyPairs* pairs) const override;
   bool checkIntersect(ZuLineSegment const& segment) const override;
+  /// Through an opening of the surface a segment comes in or out without a point of the surface there: the end of the
+  /// segment that is inside then stands for it.
   bool intersectLineSegment(ZuLineSegment const& segment, ZuShapePointEvent& event) const override;
   bool checkIntersect(ZuVector const& point) const override;
   /// Becomes the convex hull of the points.
@@ -297,7 +301,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   }
   /// To be called when the facets, or the number of points, change: drops everything derived.
   void facetsChanged();
-  /// To be called when points move: drops what depends on places.
+  /// To be called when points move: what depends on places is out of date.
   void pointsMoved();
   /// Marks a vertex as visited by the climb; false when it was already. The vertex must be in the list of points.
   bool visitVertex(unsigned int vertex) const;
@@ -340,7 +344,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// What computeSupportPoint() needs beyond the neighbours.
   struct Climb {
     bool isReady = false;
-    bool isWholeMesh = false;          ///< the starts are all vertices
+    bool isWholeMesh = false;          ///< the starts are all vertices, and nothing is climbed
     std::vector<unsigned int> starts;  ///< vertices of which the best one starts the climb
   };
 
@@ -351,6 +355,10 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
 
   void copyMesh(ZuBasePhysicalExtent const& other);
   bool isComputed(DerivedStructure structure) const { return m_Computed[structure]; }
+  void setComputed(DerivedStructure structure) const;
+  void refresh(DerivedStructure structure, void (ZuBasePhysicalExtent::*builder)()) const;
+  void findLineLengths();
+  std::vector<ZuLineAndNeighbors>& lines() { return m_Derived.lineAndNeighbors; }
   void collectFacetsBeside(ZuLineAndNeighbors& line) const;
   unsigned int lineBetween(unsigned int a, unsigned int b) const;
   std::vector<unsigned int> usedIndices() const;
@@ -361,7 +369,9 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   void climb(ZuVector const& direction) const;
   void scan(ZuVector const& direction) const;
   void prepareClimb() const;
+  bool isConnected(std::vector<unsigned int> const& used) const;
   void climbFromBestStart(ZuVector const& direction) const;
+  bool isAnyInside(std::initializer_list<ZuVector> points) const;
 
   void clearSupplements();
   void scalePoints(ZuVector const& factors);
@@ -386,6 +396,8 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   mutable Climb m_Climb;
 
   mutable std::bitset<NUMBER_OF_DERIVED_STRUCTURES> m_Computed;
+  /// Computed for places where points are no longer; of the lines the lengths.
+  mutable std::bitset<NUMBER_OF_DERIVED_STRUCTURES> m_Outdated;
   Derived m_Derived;
   std::vector<ZuFacetIndex> m_ModifiedFacets;
   bool m_ModIsCleanedUp = true;

@@ -169,18 +169,20 @@ void ZuMeshSurface::findPieces(std::vector<unsigned int> const& welded, ZuXmlVec
   }
 }
 
-double ZuMeshSurface::size() const {
-  auto const& nodes = m_Hierarchy.nodes();
-  return nodes.empty() ? 0.0 : nodes[0].box.low.distanceTo(nodes[0].box.high);
-}
-
+/// Starts from the distance of the triangle that was nearest last: places that follow each other are near each other.
 template <class Figure, class Bound>
 double ZuMeshSurface::nearest(Figure const& figure, Bound const& bound) const {
   if (m_Triangles.empty() || !isFinite(figure)) return m_theFarDistance;
+  double const start = ZuTriangleKernels::distanceSquared(m_Triangles[m_LastNearest], figure);
   return std::sqrt(m_Hierarchy.nearest(
-      m_theFarDistance, [&bound](Box const& box) { return bound.distanceSquaredTo(box); },
-      [this, &figure](unsigned int i, double& best) {
-        best = std::min(best, ZuTriangleKernels::distanceSquared(m_Triangles[i], figure));
+      start, [&bound](Box const& box) { return bound.distanceSquaredTo(box); },
+      [this, &figure, &bound](unsigned int i, double& best) {
+        Triangle const& t = m_Triangles[i];
+        if (!(bound.distanceSquaredTo(Box::around(t.a, t.b, t.c)) < best)) return;
+        double const squared = ZuTriangleKernels::distanceSquared(t, figure);
+        if (!(squared < best)) return;
+        best = squared;
+        m_LastNearest = i;
       }));
 }
 
@@ -223,7 +225,8 @@ bool ZuMeshSurface::findCrossings(Segment const& segment, ZuShapeSurfacePoint& f
 }
 
 bool ZuMeshSurface::isInside(ZuVector const& p) const {
-  if (!isFinite(p)) return false;
+  if (m_Triangles.empty() || !isFinite(p)) return false;
+  if (isClosed() && !node(0).box.overlaps(Box::around(p))) return false;
   int crossings = 0;
   auto const isAhead = [&p](Box const& box) {
     return p.x() <= box.high.x() && p.y() >= box.low.y() && p.y() <= box.high.y() && p.z() >= box.low.z() &&

@@ -44,8 +44,8 @@ class ZuMeshSurface {
   std::vector<Triangle> const& triangles() const { return m_Triangles; }
   /// One point of each connected piece of the surface.
   std::vector<ZuVector> const& pieces() const { return m_Pieces; }
-  /// Diagonal of the box around everything.
-  double size() const;
+  /// Whether the surface has no open edges, equal corners being one.
+  bool isClosed() const { return m_Caps.empty(); }
 
   // Distances to the surface, never negative.
   double distanceTo(ZuVector const& point) const;
@@ -83,4 +83,5 @@ class ZuMeshSurface {
   std::vector<ZuFacetIndex> m_Facets;
   std::vector<Cap> m_Caps;
   std::vector<ZuVector> m_Pieces;
+  mutable unsigned int m_LastNearest = 0;
 };

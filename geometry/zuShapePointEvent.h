@@ -1,6 +1,7 @@
 // zuShapePointEvent.h - where a line segment enters and leaves a solid. Group: shape queries.
 #pragma once
 
+#include "foundation/zuTypes.h"
 #include "foundation/zuVector.h"
 
 /// One point of the surface of a solid on a line segment.

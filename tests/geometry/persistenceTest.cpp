@@ -18,6 +18,7 @@
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCircle.h"
+#include "geometry/zuFacetGroups.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTriangle.h"
@@ -52,10 +53,10 @@ using ValueClasses =
                ZuGeometryOverwriteDescriptor>;
 
 /// Classes that own memory for what they hold.
-using OwningClasses =
-    std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
-               ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
-               ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule>;
+using OwningClasses = std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
+                                 ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
+                                 ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon,
+                                 ZuPolygonWithKey, ZuCapsule, ZuFacetGroups>;
 
 template <class Tuple>
 struct TypesOf;

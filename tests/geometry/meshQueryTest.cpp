@@ -1,0 +1,352 @@
+// Distances, contact and crossings of meshes against brute force over all their facets.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "geometry/zuAABBCollisionDetection.h"
+#include "geometry/zuGeomTriangle.h"
+#include "geometry/zuLineSegment.h"
+#include "geometry/zuRectangle.h"
+#include "geometry/zuShapePointEvent.h"
+#include "geometry/zuSphere.h"
+#include "tests/meshSamples.h"
+#include "tests/proximityFixture.h"
+#include "tests/randomValues.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+
+/// All triangles into which the facets are cut.
+std::vector<ZuGeomTriangle> trianglesOf(ZuBasePhysicalExtent const& mesh) {
+  ZuTriPhysicalExtent cut;
+  cut.fitFromShape(mesh);
+  std::vector<ZuGeomTriangle> triangles;
+  for (auto const& loop : loopsOfFacets(cut)) {
+    triangles.emplace_back(mesh.point(loop[0]), mesh.point(loop[1]), mesh.point(loop[2]));
+  }
+  return triangles;
+}
+
+template <class Figure>
+double nearest(std::vector<ZuGeomTriangle> const& triangles, Figure const& figure) {
+  double best = 1e300;
+  for (ZuGeomTriangle const& t : triangles) best = std::min(best, t.distanceTo(figure));
+  return best;
+}
+
+/// How many times the triangles wind about the point: the sum of their solid angles.
+double windingNumber(std::vector<ZuGeomTriangle> const& triangles, ZuVector const& p) {
+  double halves = 0.0;
+  for (ZuGeomTriangle const& t : triangles) {
+    ZuVector const a = t.point(0) - p, b = t.point(1) - p, c = t.point(2) - p;
+    double const la = a.mag(), lb = b.mag(), lc = c.mag();
+    halves += std::atan2(a.dot(b.cross(c)), la * lb * lc + a.dot(b) * lc + b.dot(c) * la + c.dot(a) * lb);
+  }
+  return halves / (2.0 * std::acos(-1.0));
+}
+
+/// Parameter at which the segment crosses the triangle; below 0 when it does not (T. Moeller and B. Trumbore 1997).
+double crossing(ZuGeomTriangle const& t, ZuVector const& start, ZuVector const& delta) {
+  ZuVector const e1 = t.point(1) - t.point(0), e2 = t.point(2) - t.point(0), h = delta.cross(e2);
+  double const determinant = e1.dot(h);
+  if (determinant == 0.0) return -1.0;
+  ZuVector const s = start - t.point(0), q = s.cross(e1);
+  double const u = s.dot(h) / determinant, v = delta.dot(q) / determinant, at = e2.dot(q) / determinant;
+  return u >= 0.0 && v >= 0.0 && u + v <= 1.0 && at >= 0.0 && at <= 1.0 ? at : -1.0;
+}
+
+class Real : public testing::TestWithParam<std::string> {
+ protected:
+  void SetUp() override {
+    mesh = realMesh(GetParam());
+    if (mesh.points().empty()) GTEST_SKIP() << "no shared meshes";
+    triangles = trianglesOf(mesh);
+    size = ObjMesh::read(sharedFile(GetParam())).size();
+  }
+  /// Fewer questions where brute force has more facets to look at.
+  int questions(int many) const { return triangles.size() < 10000 ? many : many / 5; }
+  /// On the surface, near it, and about it.
+  ZuVector place() {
+    ZuVector const& corner = mesh.point(random.index(mesh.numberOfPoints()));
+    return corner + random.vector(size * random.scale(1e-4, 1.0));
+  }
+  ZuPolyPhysicalExtent mesh;
+  std::vector<ZuGeomTriangle> triangles;
+  double size = 0.0;
+  RandomValues random{17};
+};
+
+std::string nameOf(testing::TestParamInfo<std::string> const& info) {
+  std::size_t const start = info.param.rfind('/') + 1;
+  return info.param.substr(start, info.param.rfind('.') - start);
+}
+
+INSTANTIATE_TEST_SUITE_P(Mesh, Real, testing::ValuesIn(meshFiles()), nameOf);
+
+}  // namespace
+
+TEST_P(Real, PointsHaveTheDistanceOfTheNearestFacetAndTheSignOfTheWindingNumber) {
+  SCOPED_TRACE(random.trace());
+  unsigned int inside = 0, decided = 0;
+  for (int i = 0; i < questions(300); ++i) {
+    ZuVector const p = place();
+    double const distance = mesh.distanceTo(p), winding = std::abs(windingNumber(triangles, p));
+    EXPECT_NEAR(std::abs(distance), nearest(triangles, p), 1e-14 * size);
+    if (std::abs(winding - 0.5) < 1e-6) continue;
+    ++decided;
+    EXPECT_EQ(distance<0.0, winding> 0.5) << winding << ' ' << distance;
+    EXPECT_EQ(mesh.checkIntersect(p), winding > 0.5);
+    inside += winding > 0.5 ? 1 : 0;
+  }
+  EXPECT_GT(decided, 0.9 * questions(300));
+  EXPECT_GT(inside, 0.05 * questions(300));
+}
+
+TEST_P(Real, SegmentsAndTrianglesHaveTheDistanceOfTheNearestFacet) {
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < questions(50); ++i) {
+    ZuVector const p = place(), q = p + random.vector(size * random.scale(0.01, 0.5)), r = place();
+    ZuLineSegment const segment(p, q);
+    ZuGeomTriangle const triangle(p, q, r), flat(p, q, q);
+    for (bool const isSegment : {true, false}) {
+      double const expected = nearest(triangles, isSegment ? flat : triangle);
+      double const distance = isSegment ? mesh.distanceTo(segment) : mesh.distanceTo(triangle);
+      bool const touches = isSegment ? mesh.checkIntersect(segment) : mesh.checkIntersect(triangle);
+      EXPECT_NEAR(std::abs(distance), expected, 1e-14 * size);
+      EXPECT_EQ(distance == 0.0, expected == 0.0);
+      EXPECT_EQ(touches, distance <= 0.0);
+      if (expected == 0.0) continue;
+      bool const inside = mesh.checkIntersect(p) || mesh.checkIntersect(q) || (!isSegment && mesh.checkIntersect(r));
+      EXPECT_EQ(distance < 0.0, inside);
+    }
+  }
+}
+
+TEST_P(Real, SegmentsEnterAndLeaveAtTheOutermostCrossings) {
+  SCOPED_TRACE(random.trace());
+  unsigned int hits = 0;
+  for (int i = 0; i < questions(200); ++i) {
+    ZuVector const p = place(), q = place();
+    double first = 2.0, last = -1.0;
+    for (ZuGeomTriangle const& t : triangles) {
+      double const at = crossing(t, p, q - p);
+      if (at >= 0.0) first = std::min(first, at), last = std::max(last, at);
+    }
+    ZuShapePointEvent event;
+    bool const hit = mesh.intersectLineSegment(ZuLineSegment(p, q), event);
+    bool const crosses = last >= 0.0;
+    EXPECT_EQ(event.startsInside, mesh.distanceTo(p) < 0.0);
+    EXPECT_EQ(event.endsInside, mesh.distanceTo(q) < 0.0);
+    ASSERT_EQ(hit, crosses || event.startsInside || event.endsInside);
+    EXPECT_EQ(event.hit, hit);
+    if (!hit) continue;
+    ++hits;
+    double const tolerance = 1e-9;
+    EXPECT_NEAR(event.entry.t, event.startsInside ? 0.0 : (crosses ? first : 1.0), tolerance);
+    EXPECT_NEAR(event.exit.t, event.endsInside ? 1.0 : (crosses ? last : 0.0), tolerance);
+    EXPECT_TRUE(event.entry.point.approxEq(p + event.entry.t * (q - p), 1e-14 * size));
+    EXPECT_NEAR(event.exit.normal.mag(), event.endsInside ? 0.0 : 1.0, 1e-12);
+  }
+  EXPECT_GT(hits, 0.3 * questions(200));
+}
+
+TEST_P(Real, NearestVerticesAreThoseOfAScan) {
+  for (int i = 0; i < 50; ++i) {
+    ZuVector const p = place();
+    double best = 1e300;
+    for (ZuVector const& corner : mesh.points()) best = std::min(best, corner.distanceTo(p));
+    unsigned int const nearestVertex = mesh.pickNearestVertexIndex(p);
+    EXPECT_EQ(mesh.point(nearestVertex).distanceTo(p), best);
+    EXPECT_EQ(mesh.getClosestPointID(p, 0), nearestVertex);
+    EXPECT_EQ(mesh.getClosestPointID(p, 1), theZuNoIndex);
+  }
+}
+
+// Coordinates on a small grid: touching, lying in a face, passing along edges and through corners are the rule.
+TEST(MeshQuery, OnTheGridOfACubeTouchingIsExact) {
+  ZuPolyPhysicalExtent const squares = cube();
+  ZuTriPhysicalExtent const triangles = triangleCube();
+  auto const inCube = [](ZuVector const& p) { return std::max({std::abs(p.x()), std::abs(p.y()), std::abs(p.z())}); };
+  for (int i = 0; i < 7 * 7 * 7; ++i) {
+    ZuVector const p = ZuVector(i % 7 - 3, i / 7 % 7 - 3, i / 49 - 3) * 0.5;
+    for (ZuBasePhysicalExtent const* const mesh :
+         {static_cast<ZuBasePhysicalExtent const*>(&squares), static_cast<ZuBasePhysicalExtent const*>(&triangles)}) {
+      ZuVector const outside(std::max(std::abs(p.x()) - 1.0, 0.0), std::max(std::abs(p.y()) - 1.0, 0.0),
+                             std::max(std::abs(p.z()) - 1.0, 0.0));
+      double const expected = inCube(p) > 1.0 ? outside.mag() : inCube(p) - 1.0;
+      EXPECT_EQ(mesh->distanceTo(p), expected);
+      EXPECT_EQ(mesh->checkIntersect(p), expected <= 0.0);
+      for (int j = 0; j < 7; ++j) {
+        ZuVector const q = ZuVector(j % 2 == 0 ? p.x() : -p.x(), p.y(), (j - 3) * 0.5);
+        bool const beside = (p.x() == q.x() && std::abs(p.x()) > 1.0) || std::abs(p.y()) > 1.0 ||
+                            std::min(p.z(), q.z()) > 1.0 || std::max(p.z(), q.z()) < -1.0;
+        ZuShapePointEvent event;
+        if (p.x() == q.x() || std::abs(p.x()) <= 1.0) {
+          EXPECT_EQ(mesh->checkIntersect(ZuLineSegment(p, q)), !beside) << testing::PrintToString(p);
+          EXPECT_EQ(mesh->intersectLineSegment(ZuLineSegment(p, q), event), !beside) << testing::PrintToString(q);
+        }
+      }
+    }
+  }
+}
+
+TEST(MeshQuery, ASegmentInAFaceIsHitOverTheWholePartThatTheFaceHolds) {
+  ZuTriPhysicalExtent const mesh = triangleCube();
+  ZuShapePointEvent event;
+  ASSERT_TRUE(mesh.intersectLineSegment(ZuLineSegment(ZuVector(-3, 0.5, 1), ZuVector(1, 0.5, 1)), event));
+  EXPECT_EQ(event.entry.t, 0.5);
+  EXPECT_EQ(event.exit.t, 1.0);
+  EXPECT_FALSE(event.startsInside || event.endsInside);
+  ASSERT_TRUE(mesh.intersectLineSegment(ZuLineSegment(ZuVector(0.5, 0.5, 0), ZuVector(0.5, 0.5, 0.5)), event));
+  EXPECT_TRUE(event.startsInside && event.endsInside);
+  EXPECT_EQ(event.exit.normal, ZuVector());
+}
+
+TEST(MeshQuery, FiguresInsideAreAtMinusTheirDistanceToTheSurface) {
+  ZuPolyPhysicalExtent const mesh = cube();
+  EXPECT_EQ(mesh.distanceTo(ZuLineSegment(ZuVector(-0.5, 0, 0), ZuVector(0.75, 0, 0))), -0.25);
+  EXPECT_EQ(mesh.distanceTo(ZuGeomTriangle({0, 0, 0}, {0.5, 0, 0}, {0, 0.5, 0})), -0.5);
+  ZuRectangle const small(ZuVector(), ZuVector(0.5, 0, 0), ZuVector(0, 0.75, 0));
+  ZuRectangle const large(ZuVector(0, 0, 3), ZuVector(9, 0, 0), ZuVector(0, 9, 0));
+  EXPECT_EQ(mesh.distanceTo(small), -0.25);
+  EXPECT_EQ(mesh.distanceTo(large), 2.0);
+  EXPECT_EQ(mesh.distanceTo(ZuRectangle(ZuVector(), ZuVector(1.5, 0, 0), ZuVector(0, 0.5, 0))), 0.0);
+}
+
+TEST(MeshQuery, AnOpenBoxIsClosedByItsSolidAnglesAndAnInsideOutOneCountsToo) {
+  Loops loops = cubeLoops();
+  loops.erase(loops.begin() + 1);  // the top
+  auto const open = meshOf<ZuPolyPhysicalExtent>(cubePoints(), loops);
+  for (auto& loop : loops) std::reverse(loop.begin(), loop.end());
+  auto const reversed = meshOf<ZuPolyPhysicalExtent>(cubePoints(), loops);
+  // On the axis the open square at height 1 covers more than half of what is seen from above about z = 0.99...
+  for (auto const* const mesh : {&open, &reversed}) {
+    EXPECT_LT(mesh->distanceTo(ZuVector(0, 0, 0.5)), 0.0);
+    EXPECT_LT(mesh->distanceTo(ZuVector(0, 0, 0.9999)), 0.0);
+    EXPECT_GT(mesh->distanceTo(ZuVector(0, 0, 1.0001)), 0.0);
+    EXPECT_GT(mesh->distanceTo(ZuVector(0, 0, -1.0001)), 0.0);
+  }
+}
+
+TEST(MeshQuery, ADentInAPolygonIsOutside) {
+  // A prism over an L: its loop of six corners starts at the dent.
+  std::vector<ZuVector> points;
+  for (double const z : {0.0, 1.0}) {
+    for (auto const& [x, y] : {std::pair<double, double>{1, 1}, {1, 2}, {0, 2}, {0, 0}, {2, 0}, {2, 1}}) {
+      points.emplace_back(x, y, z);
+    }
+  }
+  Loops loops = {{5, 4, 3, 2, 1, 0}, {6, 7, 8, 9, 10, 11}};
+  for (unsigned int i = 0; i < 6; ++i) loops.push_back({i, (i + 1) % 6, 6 + (i + 1) % 6, 6 + i});
+  auto const polygons = meshOf<ZuPolyPhysicalExtent>(points, loops);
+  ZuTriPhysicalExtent triangles;
+  triangles.fitFromShape(polygons);
+  EXPECT_EQ(triangles.totalNumberOfFacets(), 20U);
+  for (ZuBasePhysicalExtent const* const mesh :
+       {static_cast<ZuBasePhysicalExtent const*>(&polygons), static_cast<ZuBasePhysicalExtent const*>(&triangles)}) {
+    EXPECT_EQ(mesh->distanceTo(ZuVector(1.75, 1.5, 0.5)), 0.5);
+    EXPECT_EQ(mesh->distanceTo(ZuVector(1.75, 1.5, 0.0)), 0.5);
+    EXPECT_EQ(mesh->distanceTo(ZuVector(0.5, 1.5, 0.5)), -0.5);
+  }
+  EXPECT_TRUE(polygons.checkFacetIntersect(0, 0, ZuVector(0.3, 1.7, 0.0)));
+  EXPECT_FALSE(polygons.checkFacetIntersect(0, 0, ZuVector(1.3, 1.7, 0.0)));
+  EXPECT_TRUE(polygons.checkFacetIntersect(0, 1, ZuLineSegment(ZuVector(0.5, 0.5, 0.9), ZuVector(0.5, 0.5, 1.0))));
+  EXPECT_FALSE(polygons.checkFacetIntersect(0, 1, ZuLineSegment(ZuVector(1.5, 1.5, 0.9), ZuVector(1.5, 1.5, 1.1))));
+}
+
+TEST(MeshQuery, WithoutFacetsThereIsNothingToMeet) {
+  ZuTriPhysicalExtent mesh;
+  ZuShapePointEvent event;
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(mesh.distanceTo(ZuVector()), 1e300);
+    EXPECT_FALSE(mesh.checkIntersect(ZuVector()));
+    EXPECT_FALSE(mesh.checkIntersect(ZuLineSegment()));
+    EXPECT_FALSE(mesh.intersectLineSegment(ZuLineSegment(), event));
+    EXPECT_EQ(mesh.pickNearestVertexIndex(ZuVector()), theZuNoIndex);
+    mesh.setPoints(ZuXmlVectorVector({{0, 0, 0}, {std::nan(""), 0, 0}}));
+    mesh.addFacet(mesh.addGroup(""), {0, 0, 1});
+  }
+  EXPECT_EQ(cube().distanceTo(ZuVector(std::nan(""), 0, 0)), 1e300);
+}
+
+// Pairs.
+
+class MeshPair : public ProximityTest {};
+
+TEST_F(MeshPair, BoxesGiveTheNearestPointsAndFeaturesOfNonConvexMeshes) {
+  RandomValues random(23);
+  SCOPED_TRACE(random.trace());
+  ZuPolyPhysicalExtent sorter = realMesh("data/objects/shape_sorter.obj");
+  ZuPolyPhysicalExtent spot = realMesh("data/objects/spot_polygons.obj");
+  if (sorter.points().empty()) GTEST_SKIP() << "no shared meshes";
+  sorter.setUseAABB(true);
+  auto const triangles1 = trianglesOf(sorter), triangles2 = trianglesOf(spot);
+  unsigned int touching = 0;
+  for (int i = 0; i < 60; ++i) {
+    ZuCoordinateSystemTransformation const xform(random.vector(0.35), random.orientation());
+    double expected = 1e300;
+    for (ZuGeomTriangle const& t : triangles2) expected = std::min(expected, nearest(triangles1, xform * t));
+    bool const contained = expected > 0.0 && (sorter.checkIntersect(xform * spot.point(0)) ||
+                                              spot.checkIntersect(xform.inverse() * sorter.point(0)));
+    if (contained) expected = 0.0;
+    ZuVector w1, w2, v1, v2;
+    EXPECT_NEAR(witness(sorter, spot, xform, w1, w2), expected, 1e-14);
+    EXPECT_NEAR(distance(sorter, spot, xform), expected, 1e-14);
+    EXPECT_EQ(touch(sorter, spot, xform), expected == 0.0);
+    EXPECT_NEAR(w1.distanceTo(xform * w2), expected, 1e-14);
+    double reversed = 0.0;
+    ZuAABBCollisionDetection().nearestPoints(spot, sorter, xform.inverse(), nullptr, v2, v1, reversed);
+    EXPECT_NEAR(reversed, expected, 1e-14);
+    touching += expected == 0.0 ? 1 : 0;
+    if (expected == 0.0) continue;
+    EXPECT_NEAR(sorter.distanceTo(w1), 0.0, 1e-14);
+    EXPECT_NEAR(spot.distanceTo(w2), 0.0, 1e-14);
+    ZuShapeProximityData const* const data = m_State.getProximityData(m_Descriptor.key1(), m_Descriptor.key2());
+    ASSERT_NE(data, nullptr);
+    double const toCorner = sorter.point(sorter.pickNearestVertexIndex(w1)).distanceTo(w1);
+    EXPECT_EQ(data->closestPoint1() == ZuShapeProximityData::POINT, toCorner < 1e-13);
+    EXPECT_EQ(sorter.nearPointID(*data), sorter.pickNearestVertexIndex(w1));
+  }
+  EXPECT_GT(touching, 10U);
+  EXPECT_LT(touching, 50U);
+}
+
+TEST_F(MeshPair, FeaturesOfTheNearestPoints) {
+  ZuTriPhysicalExtent small = triangleCube(), large = triangleCube();
+  small.scaleBy(0.25);
+  large.setUseAABB(true);
+  using Data = ZuShapeProximityData;
+  struct Case {
+    ZuCoordinateSystemTransformation xform;
+    Data::ZuClosestType feature1, feature2;
+    double distance;
+  };
+  double const root = std::sqrt(0.5), eighth = std::acos(-1.0) / 8;
+  ZuOrientation const edgeDown(std::cos(eighth), 0, std::sin(eighth), 0),
+      tilt(std::cos(eighth), -std::sin(eighth), 0, 0);
+  ZuOrientation cornerDown;
+  cornerDown.setFromAngleAxis(std::acos(std::sqrt(1.0 / 3.0)), ZuVector(root, -root, 0));
+  std::vector<Case> const cases = {
+      {{ZuVector(0.6, -0.3, 2), cornerDown}, Data::FACET, Data::POINT, 1.0 - 0.25 * std::sqrt(3.0)},
+      {{ZuVector(0.1, 1 + root, 1 + root), tilt * edgeDown}, Data::LINE, Data::LINE, 1.0 - 0.25 * std::sqrt(2.0)},
+      {ZuCoordinateSystemTransformation(ZuVector(2, 2, 2)), Data::POINT, Data::POINT, 0.75 * std::sqrt(3.0)},
+      {ZuCoordinateSystemTransformation(ZuVector(0.1, 0.2, 0.3)), Data::POINT, Data::POINT, 0.0}};
+  for (Case const& c : cases) {
+    ZuShapeProximityData data;
+    ZuVector w1, w2;
+    double distance = 0.0;
+    EXPECT_EQ(large.getAABBProcessor().nearestPoints(large, small, c.xform, &data, w1, w2, distance), c.distance == 0);
+    EXPECT_NEAR(distance, c.distance, 1e-15);
+    EXPECT_EQ(data.closestPoint1(), c.feature1);
+    EXPECT_EQ(data.closestPoint2(), c.feature2) << c.distance;
+    EXPECT_NEAR(w1.distanceTo(c.xform * w2), c.distance, 1e-15);
+  }
+}
+
+TEST_F(MeshPair, ASmallBallInsideABigMeshTouchesIt) {
+  ZuTriPhysicalExtent mesh = triangleCube();
+  ZuSphere const ball(ZuVector(), 0.1, 3);
+  EXPECT_TRUE(touch(ball, mesh, ZuCoordinateSystemTransformation(ZuVector(0.3, 0.2, 0.1))));
+  EXPECT_FALSE(touch(ball, mesh, ZuCoordinateSystemTransformation(ZuVector(1.2, 0, 0))));
+  EXPECT_FALSE(touch(ball, mesh, ZuCoordinateSystemTransformation(ZuVector(1.1, 0, 0))));
+}
