@@ -67,4 +67,11 @@ ZuToken const ZuScaleToken("scale");
 ZuToken const ZuFrameToken("frame");
 ZuToken const ZuReverseToken("reverse");
 
+ZuToken const ZuIntervalIntersectionProcessorToken("intervalIntersectionProcessor");
+ZuToken const ZuBoxTreeToken("boxTree");
+ZuToken const ZuBbTreeHeuristicToken("bbTreeHeuristic");
+ZuToken const ZuBrickToken("brick");
+ZuToken const ZuIndicesToken("indices");
+ZuToken const ZuDataToken("data");
+
 }  // namespace ZuGeom

@@ -77,4 +77,12 @@ extern ZU_API ZuToken const ZuScaleToken;
 extern ZU_API ZuToken const ZuFrameToken;
 extern ZU_API ZuToken const ZuReverseToken;
 
+// Broad phase
+extern ZU_API ZuToken const ZuIntervalIntersectionProcessorToken;
+extern ZU_API ZuToken const ZuBoxTreeToken;
+extern ZU_API ZuToken const ZuBbTreeHeuristicToken;
+extern ZU_API ZuToken const ZuBrickToken;
+extern ZU_API ZuToken const ZuIndicesToken;
+extern ZU_API ZuToken const ZuDataToken;
+
 }  // namespace ZuGeom

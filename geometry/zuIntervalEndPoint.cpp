@@ -1,0 +1,6 @@
+#include "geometry/zuIntervalEndPoint.h"
+
+ZuIntervalEndPoint const& ZuIntervalEndPoint::nullObject() {
+  static ZuIntervalEndPoint const theNull;
+  return theNull;
+}
