@@ -64,7 +64,7 @@ struct ZuShapeQueryData;
 class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
  public:
   /// The type numbers on which pairwise operations dispatch; messages print them as "shapeID".
-  enum ZuShapeValues {
+  enum ZuShapeValues : int {
     PHYSICAL_EXTENT = 0,
     POLY_PHYSICAL_EXTENT = 1,
     TRI_PHYSICAL_EXTENT = 2,
