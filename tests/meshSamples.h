@@ -5,9 +5,10 @@
 #include <vector>
 
 #include "geometry/zuPolyPhysicalExtent.h"
-#include "geometry/zuTriPhysicalExtent.h"
+#include "tests/extentChecks.h"
 #include "tests/objReader.h"
 
+using Messages = std::vector<std::string>;
 using Loops = std::vector<std::vector<unsigned int>>;
 
 template <class Mesh>
@@ -19,35 +20,17 @@ Mesh meshOf(std::vector<ZuVector> const& points, Loops const& loops) {
   return mesh;
 }
 
-/// Without points when the file is not there.
-inline ZuPolyPhysicalExtent realMesh(std::string const& name) {
-  ObjMesh const file = ObjMesh::read(sharedFile(name));
-  return meshOf<ZuPolyPhysicalExtent>(file.points, file.faces);
-}
-
-/// The same mesh with equal points made one.
-inline ZuPolyPhysicalExtent welded(std::string const& name) {
+/// Without points when the file is not there; `welds` makes equal points one.
+inline ZuPolyPhysicalExtent realMesh(std::string const& name, bool welds = false) {
   ObjMesh file = ObjMesh::read(sharedFile(name));
   for (auto& face : file.faces) {
     for (unsigned int& corner : face) {
+      if (!welds) break;
       auto const first = std::find(file.points.begin(), file.points.end(), file.points[corner]);
       corner = static_cast<unsigned int>(first - file.points.begin());
     }
   }
   return meshOf<ZuPolyPhysicalExtent>(file.points, file.faces);
-}
-
-inline Loops loopsOfFacets(ZuBasePhysicalExtent const& mesh) {
-  Loops loops;
-  for (unsigned int group = 0; group < mesh.numberOfGroups(); ++group) {
-    for (unsigned int facet = 0; facet < mesh.numberOfFacetsInGroup(group); ++facet) {
-      loops.emplace_back();
-      for (unsigned int k = 0; k < mesh.numberOfPointsInFacet(group, facet); ++k) {
-        loops.back().push_back(mesh.getFacetPointIndex(group, facet, k));
-      }
-    }
-  }
-  return loops;
 }
 
 /// The cube [-1, 1]^3 of six squares, with a point (index 8) that no facet uses.
