@@ -61,33 +61,28 @@ class Node : public ZuXmlClass<Node, ZuXmlCompoundType> {
     return sample;
   }
 
-  Text name;
-  Text kind = Text("sample");
+  Text name, kind = Text("sample"), unit = Text("kg");
   Real weight;
-  Text unit = Text("kg");
   std::vector<Node> inner;  ///< at most one
 };
 
 /// A container that knows every kind of value.
 inline ZuXmlBaseVariableCompoundType zoo() {
   ZuXmlBaseVariableCompoundType container;
-  auto const add = [&](char const* name, ZuXmlObject* (*creator)()) {
-    container.registerComponentCreator(name, creator);
-  };
-  add("real", &Real::creator);
-  add("text", &Text::creator);
-  add("flag", &ZuXmlBasicType<bool>::creator);
-  add("int", &ZuXmlBasicType<int>::creator);
-  add("unsigned", &ZuXmlBasicType<unsigned int>::creator);
-  add("short", &ZuXmlBasicType<unsigned short>::creator);
-  add("vector", &ZuXmlVector::creator);
-  add("frame", &ZuXmlCoordinateSystemTransformation::creator);
-  add("pair", &ZuXmlPairType<Text, ZuXmlVector>::creator);
-  add("points", &ZuXmlVectorVector::creator);
-  add("nodes", &ZuXmlVectorType<Node>::creator);
-  add("map", &ZuXmlMapType<Text, Node>::creator);
-  add("table", &ZuXmlMapType<Real, Real>::creator);
-  add("node", &Node::creator);
+  container.registerComponentCreator("real", &Real::creator);
+  container.registerComponentCreator("text", &Text::creator);
+  container.registerComponentCreator("flag", &ZuXmlBasicType<bool>::creator);
+  container.registerComponentCreator("int", &ZuXmlBasicType<int>::creator);
+  container.registerComponentCreator("unsigned", &ZuXmlBasicType<unsigned int>::creator);
+  container.registerComponentCreator("short", &ZuXmlBasicType<unsigned short>::creator);
+  container.registerComponentCreator("vector", &ZuXmlVector::creator);
+  container.registerComponentCreator("frame", &ZuXmlCoordinateSystemTransformation::creator);
+  container.registerComponentCreator("pair", &ZuXmlPairType<Text, ZuXmlVector>::creator);
+  container.registerComponentCreator("points", &ZuXmlVectorVector::creator);
+  container.registerComponentCreator("nodes", &ZuXmlVectorType<Node>::creator);
+  container.registerComponentCreator("map", &ZuXmlMapType<Text, Node>::creator);
+  container.registerComponentCreator("table", &ZuXmlMapType<Real, Real>::creator);
+  container.registerComponentCreator("node", &Node::creator);
   return container;
 }
 

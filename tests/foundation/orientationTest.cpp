@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <Eigen/Geometry>
+#include <cmath>
 #include <limits>
 
 #include "tests/printSink.h"
@@ -24,8 +25,7 @@ ZuVector rotatedByPeer(Peer const& q, ZuVector const& v) {
 
 /// Random rotations, and half turns about and near the axes, where the terms of a rotation matrix cancel.
 std::vector<ZuOrientation> oblique(RandomValues& random) {
-  std::vector<ZuOrientation> all = {ZuOrientation(), ZuOrientation(0.0, 1.0, 0.0, 0.0),
-                                    ZuOrientation(0.0, 0.0, 1.0, 0.0), ZuOrientation(0.0, 0.0, 0.0, -1.0)};
+  std::vector<ZuOrientation> all = {{}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0}, {0.0, 0.0, 0.0, -1.0}};
   for (int i = 0; i < 300; ++i) all.push_back(random.orientation());
   for (int i = 0; i < 100; ++i) {
     double const small = random.scale(1e-18, 1e-2);
@@ -51,9 +51,7 @@ TEST(Orientation, RotationsAgreeWithExtendedPrecision) {
     ZuVector first = v, second = u, copy = v;
     a.transform(first, second, second, first);
     a.transform(copy);
-    EXPECT_EQ(second, a * v);
-    EXPECT_EQ(first, a * u);
-    EXPECT_EQ(copy, a * v);
+    EXPECT_TRUE(second == a * v && first == a * u && copy == a * v);
   }
 }
 
@@ -76,11 +74,11 @@ TEST(Orientation, MatrixColumnsAreTheTurnedAxesAndLeadBackToTheRotation) {
 
 TEST(Orientation, MatricesThatAreNoRotationsAreRefused) {
   PrintSink sink;
-  double const nan = std::numeric_limits<double>::quiet_NaN();
+
   ZuVector const x = ZuVector::xVector(1.0), y = ZuVector::yVector(1.0), z = ZuVector::zVector(1.0);
   ZuVector const bad[][3] = {{x, y, -z},         {x, y, z * 1.001},
                              {x, y, y},          {x, y + x * 0.001, z},
-                             {ZuVector(), y, z}, {x, y, ZuVector(0.0, 0.0, nan)}};
+                             {ZuVector(), y, z}, {x, y, ZuVector(0.0, 0.0, std::nan(""))}};
   ZuOrientation q = ZuOrientation::testObject();
   for (auto const& c : bad) EXPECT_FALSE(q.setFromDcmColumns(c[0], c[1], c[2]));
   EXPECT_EQ(q, ZuOrientation::testObject());
@@ -105,13 +103,6 @@ TEST(Orientation, EveryQuaternionIsUnitAndUnitOnesKeepTheirBits) {
   EXPECT_EQ(ZuOrientation(0.0, 0.0, 5e-324, 0.0), ZuOrientation(0.0, 0.0, 1.0, 0.0));
 }
 
-TEST(Orientation, LongChainsOfProductsStayRotations) {
-  ZuOrientation const step(0.9, 0.3, -0.2, 0.1);
-  ZuOrientation q;
-  for (int i = 0; i < 1000000; ++i) q = step * q;
-  EXPECT_NEAR((q * ZuVector(2.0, 3.0, 6.0)).mag(), 7.0, 5e-14);
-}
-
 TEST(Orientation, AngleAndAxisBetweenTakeThisToTheOther) {
   RandomValues random(24);
   SCOPED_TRACE(random.trace());
@@ -133,8 +124,13 @@ TEST(Orientation, AngleAndAxisBetweenTakeThisToTheOther) {
   double angle = -1.0;
   ZuVector axis;
   ZuOrientation::testObject().angleAxisBetween(ZuOrientation::testObject(), angle, axis);
-  EXPECT_EQ(angle, 0.0);
-  EXPECT_EQ(axis, ZuVector::xVector(1.0));
+  EXPECT_TRUE(angle == 0.0 && axis == ZuVector::xVector(1.0));
+}
+
+TEST(Orientation, LongChainsOfProductsStayRotations) {
+  ZuOrientation q;
+  for (int i = 0; i < 1000000; ++i) q = ZuOrientation(0.9, 0.3, -0.2, 0.1) * q;
+  EXPECT_NEAR((q * ZuVector(2.0, 3.0, 6.0)).mag(), 7.0, 5e-14);
 }
 
 TEST(Orientation, RotationsAboutAxesFollowTheRightHandRule) {
@@ -152,8 +148,7 @@ TEST(Orientation, RotationsAboutAxesFollowTheRightHandRule) {
 TEST(Orientation, AnAngleAboutNoAxisIsRefused) {
   PrintSink sink;
   ZuOrientation q = ZuOrientation::testObject();
-  EXPECT_FALSE(q.setFromAngleAxis(1.0, ZuVector()));
-  EXPECT_FALSE(q.setFromAngleAxis(std::numeric_limits<double>::infinity(), ZuVector::xVector(1.0)));
+  EXPECT_FALSE(q.setFromAngleAxis(1.0, ZuVector()) || q.setFromAngleAxis(HUGE_VAL, ZuVector::xVector(1.0)));
   EXPECT_EQ(q, ZuOrientation::testObject());
   EXPECT_EQ(q[4], 0.0);
   EXPECT_EQ(sink.take(),
@@ -166,7 +161,6 @@ TEST(Orientation, AnAngleAboutNoAxisIsRefused) {
 
 TEST(Orientation, ApproximateEqualityKnowsThatOppositeQuaternionsTurnAlike) {
   ZuOrientation const q = ZuOrientation::testObject(), opposite(-q[0], -q[1], -q[2], -q[3]);
-  EXPECT_NE(q, opposite);
-  EXPECT_TRUE(q.approxEq(opposite, 0.0));
+  EXPECT_TRUE(q != opposite && q.approxEq(opposite, 0.0));
   EXPECT_FALSE(q.approxEq(ZuOrientation(q[0], -q[1], -q[2], -q[3]), 0.1));
 }

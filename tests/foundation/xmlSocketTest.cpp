@@ -4,11 +4,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <random>
 #include <thread>
 
 #include "foundation/zuTcpSocket.h"
 #include "tests/printSink.h"
+#include "tests/randomValues.h"
 #include "tests/xmlSamples.h"
 
 namespace {
@@ -23,16 +23,13 @@ class RawPeer {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     EXPECT_EQ(::connect(m_Socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
   }
-  ~RawPeer() { close(); }
+  ~RawPeer() { ::close(m_Socket); }
   RawPeer(RawPeer const&) = delete;
   RawPeer& operator=(RawPeer const&) = delete;
   void send(std::string const& bytes) const {
     EXPECT_EQ(::send(m_Socket, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
   }
-  void close() {
-    if (m_Socket >= 0) ::close(m_Socket);
-    m_Socket = -1;
-  }
+  void stopSending() const { ::shutdown(m_Socket, SHUT_WR); }
 
  private:
   int m_Socket;
@@ -44,9 +41,8 @@ constexpr unsigned int theShortTime = 50;  // ms; long enough for whatever has b
 
 TEST(XmlSocket, CarriesManyMessagesOfEveryFormOverOneConnection) {
   ZuXmlVectorVector points;  // 10 MB as a document
-  std::mt19937_64 engine(11);
-  auto const coordinate = [&] { return static_cast<double>(engine() >> 11) * 0x1p-53; };
-  for (unsigned int i = 0; i < 130000; ++i) points.pushBack(ZuVector(coordinate(), coordinate(), coordinate()));
+  RandomValues random(11);
+  for (unsigned int i = 0; i < 130000; ++i) points.pushBack(random.vector());
   ZuTcpSocket server;
   ASSERT_TRUE(server.listen(0));
   std::thread client([&points, port = server.port()] {
@@ -56,19 +52,16 @@ TEST(XmlSocket, CarriesManyMessagesOfEveryFormOverOneConnection) {
     for (int compression : {0, 1, 2}) {
       EXPECT_TRUE(Node::testObject().writeToTcpSocket(&socket, "node", compression));
       EXPECT_TRUE(points.writeToTcpSocket(&socket, "points", compression));
-      EXPECT_TRUE(echo.readFromTcpSocket(&socket));
-      EXPECT_TRUE(echo == points);
+      EXPECT_TRUE(echo.readFromTcpSocket(&socket) && echo == points);
     }
   });
   ASSERT_TRUE(server.accept());
   for (int i = 0; i < 3; ++i) {
     Node node;
     ZuXmlVectorVector received;
-    EXPECT_TRUE(node.readFromTcpSocket(&server));
-    EXPECT_TRUE(received.readFromTcpSocket(&server));
+    EXPECT_TRUE(node.readFromTcpSocket(&server) && node == Node::testObject());
+    EXPECT_TRUE(received.readFromTcpSocket(&server) && received == points);
     EXPECT_TRUE(received.writeToTcpSocket(&server, "points", 0));
-    EXPECT_TRUE(node == Node::testObject());
-    EXPECT_TRUE(received == points);
   }
   client.join();
   PrintSink sink;
@@ -80,21 +73,22 @@ TEST(XmlSocket, CarriesManyMessagesOfEveryFormOverOneConnection) {
 }
 
 TEST(XmlSocket, SurvivesHostilePeers) {
+  using namespace std::string_literals;
   struct {
     std::string bytes;
     bool closes;
-    std::string message;
+    char const* message;
   } const theCases[] = {
       {"", true, "the peer closed the connection"},
       {"", false, "the time is up"},
-      {std::string(5, '\0'), true, "the peer closed the connection"},
-      {std::string(5, '\0'), false, "the time is up"},
-      {std::string("\0\0\0\0\x80\0\0\0", 8), false, "a message of 2147483648 bytes is refused"},
+      {"\0\0\0\0\0"s, true, "the peer closed the connection"},
+      {"\0\0\0\0\0"s, false, "the time is up"},
+      {"\0\0\0\0\x80\0\0\0"s, false, "a message of 2147483648 bytes is refused"},
       {std::string(8, '\xFF'), false, "a message of 18446744073709551615 bytes is refused"},
-      {std::string("\0\0\0\0\x3F\xFF\xFF\xFF", 8) + "<node>", true, "within a message of 1073741823 bytes"},
-      {std::string("\0\0\0\0\x3F\xFF\xFF\xFF", 8) + "<node>", false, "within a message of 1073741823 bytes"},
-      {std::string("\0\0\0\0\0\0\0\x06", 8) + "<node>", false, "ZuXmlReader::open-->socket, line 1"},
-      {std::string("\0\0\0\0\0\0\0\x02\x1F\x8B", 10), false, "the compressed data ends too early"},
+      {"\0\0\0\0\x3F\xFF\xFF\xFF<node>"s, true, "within a message of 1073741823 bytes"},
+      {"\0\0\0\0\x3F\xFF\xFF\xFF<node>"s, false, "within a message of 1073741823 bytes"},
+      {"\0\0\0\0\0\0\0\x06<node>"s, false, "ZuXmlReader::open-->socket, line 1"},
+      {"\0\0\0\0\0\0\0\x02\x1F\x8B"s, false, "the compressed data ends too early"},
       {std::string(8, '\0'), false, "no element"},
   };
   ZuTcpSocket server;
@@ -104,7 +98,7 @@ TEST(XmlSocket, SurvivesHostilePeers) {
     RawPeer peer(server.port());
     ASSERT_TRUE(server.accept());
     peer.send(theCase.bytes);
-    if (theCase.closes) peer.close();
+    if (theCase.closes) peer.stopSending();
     Node target = Node::testObject();
     PrintSink sink;
     EXPECT_FALSE(target.readFromTcpSocket(&server));
@@ -131,19 +125,14 @@ TEST(XmlSocket, WaitsNoLongerThanToldForAPeerThatDoesNotComeOrDoesNotRead) {
 }
 
 TEST(XmlSocket, PrintsWhyItCannotBeUsed) {
-  ZuTcpSocket listening;
-  ZuTcpSocket socket;
+  ZuTcpSocket listening, socket;
   Node node;
   ASSERT_TRUE(listening.listen(0));
-  std::uint16_t const port = listening.port();
   PrintSink sink;
-  EXPECT_FALSE(socket.listen(port));
+  EXPECT_FALSE(socket.listen(listening.port()) || socket.accept());
   EXPECT_EQ(socket.port(), 0U);
-  EXPECT_FALSE(socket.accept());
-  EXPECT_FALSE(node.readFromTcpSocket(&socket));
-  EXPECT_FALSE(node.writeToTcpSocket(&socket, "node", 0));
-  EXPECT_FALSE(node.readFromTcpSocket(nullptr));
-  EXPECT_FALSE(node.writeToTcpSocket(nullptr, "node", 0));
+  EXPECT_FALSE(node.readFromTcpSocket(&socket) || node.writeToTcpSocket(&socket, "node", 0));
+  EXPECT_FALSE(node.readFromTcpSocket(nullptr) || node.writeToTcpSocket(nullptr, "node", 0));
   EXPECT_FALSE(node.writeToTcpSocket(&socket, "node", 3));
   EXPECT_FALSE(ZuTcpSocket().connect("localhost", 1));  // nobody listens there
   EXPECT_EQ(sink.messages().size(), 8U);

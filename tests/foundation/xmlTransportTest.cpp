@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -14,12 +15,15 @@
 
 namespace {
 
+namespace files = std::filesystem;
+
 enum Form { PLAIN, GZIP, ZSTANDARD };
 
-bool write(ZuXmlObject const& object, Form form, std::string const& file) {
-  return form == PLAIN  ? object.writeToFile(file, "node")
-         : form == GZIP ? object.writeToFileWithCompression(file, "node")
-                        : object.writeToFileWithCompression2(file, "node");
+bool write(Form form, std::string const& file) {
+  Node const node = Node::testObject();
+  return form == PLAIN  ? node.writeToFile(file, "node")
+         : form == GZIP ? node.writeToFileWithCompression(file, "node")
+                        : node.writeToFileWithCompression2(file, "node");
 }
 
 bool read(ZuXmlObject& object, Form form, std::string const& file) {
@@ -28,9 +32,10 @@ bool read(ZuXmlObject& object, Form form, std::string const& file) {
                         : object.readFromFileWithCompression2(file);
 }
 
-std::string bytesOf(ZuXmlObject const& object, Form form) {
+/// The sample as a file of that form.
+std::string bytesOf(Form form) {
   TemporaryFolder const folder;
-  return write(object, form, folder.file("a")) ? contents(folder.file("a")) : "";
+  return write(form, folder.file("a")) ? contents(folder.file("a")) : "";
 }
 
 /// Reads the bytes as a file of that form, and checks all that refusing means.
@@ -54,9 +59,8 @@ std::string gzipBomb(unsigned int megabytes, std::uint32_t claimed) {
   z_stream stream{};
   deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY);
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(zeros.data()));
-  stream.avail_in = static_cast<uInt>(zeros.size());
+  stream.avail_in = stream.avail_out = static_cast<uInt>(zeros.size());
   stream.next_out = reinterpret_cast<Bytef*>(block.data());
-  stream.avail_out = static_cast<uInt>(block.size());
   deflate(&stream, Z_FULL_FLUSH);
   block.resize(block.size() - stream.avail_out);
   deflateEnd(&stream);
@@ -86,13 +90,10 @@ TEST(XmlFile, ReadsBackInEveryFormWhichItTellsByItself) {
   TemporaryFolder const folder;
   std::string const file = folder.file("a");
   for (Form const form : {PLAIN, GZIP, ZSTANDARD}) {
-    ASSERT_TRUE(write(Node::testObject(), form, file));
-    Node told;
-    Node found;
-    EXPECT_TRUE(read(told, form, file));
-    EXPECT_TRUE(found.readFromFile(file));
-    EXPECT_TRUE(told == Node::testObject());
-    EXPECT_TRUE(found == Node::testObject());
+    ASSERT_TRUE(write(form, file));
+    Node told, found;
+    EXPECT_TRUE(read(told, form, file) && told == Node::testObject());
+    EXPECT_TRUE(found.readFromFile(file) && found == Node::testObject());
     PrintSink sink;
     EXPECT_EQ(Node().readFromCompressedBuffer(contents(file)), form != PLAIN);
     EXPECT_EQ(sink.messages().size(), form != PLAIN ? 0U : 1U);
@@ -103,7 +104,7 @@ TEST(XmlFile, ReadsBackInEveryFormWhichItTellsByItself) {
 TEST(XmlFile, IsRefusedWhereverItIsCutOff) {
   PrintSink sink;
   for (Form const form : {PLAIN, GZIP, ZSTANDARD}) {
-    std::string const bytes = bytesOf(Node::testObject(), form);
+    std::string const bytes = bytesOf(form);
     Node target = Node::testObject();
     for (std::size_t size = 0; size + 1 < bytes.size(); ++size) {  // a plain document may lack its last line end
       sink.take();
@@ -118,7 +119,7 @@ TEST(XmlFile, IsRefusedWhereverItIsCutOff) {
 TEST(XmlFile, NeverReadsAsAnotherValueWhenACompressedByteIsDamaged) {
   PrintSink sink;
   for (Form const form : {GZIP, ZSTANDARD}) {
-    std::string const bytes = bytesOf(Node::testObject(), form);
+    std::string const bytes = bytesOf(form);
     for (std::size_t i = 0; i < 8 * bytes.size(); ++i) {
       std::string damaged = bytes;
       damaged[i / 8] = static_cast<char>(damaged[i / 8] ^ (1 << i % 8));
@@ -130,32 +131,28 @@ TEST(XmlFile, NeverReadsAsAnotherValueWhenACompressedByteIsDamaged) {
 }
 
 TEST(XmlFile, IsOneWholeCompressedPieceOrRefused) {
-  std::string const plain = bytesOf(Node::testObject(), PLAIN);
-  std::string const gzip = bytesOf(Node::testObject(), GZIP);
-  std::string const zstandard = bytesOf(Node::testObject(), ZSTANDARD);
-  std::string const size(gzip.end() - 4, gzip.end());
-  std::string const head(gzip.begin(), gzip.end() - 4);
+  std::string const gzip = bytesOf(GZIP), zstandard = bytesOf(ZSTANDARD);
+  std::string const size(gzip.end() - 4, gzip.end()), head(gzip.begin(), gzip.end() - 4);
   struct {
     Form form;
-    std::string bytes;
-    std::string message;
+    char const* message;
+    std::vector<std::string> files;
   } const theCases[] = {
-      {GZIP, gzip + gzip, "bytes follow the compressed data"},
-      {GZIP, gzip + std::string(8, '\0'), "more text than the compressed data claims to hold"},
-      {GZIP, gzip + size, "bytes follow the compressed data"},
-      {ZSTANDARD, zstandard + zstandard, "bytes follow the compressed data"},
-      {ZSTANDARD, zstandard + "\n", "bytes follow the compressed data"},
-      {GZIP, head + std::string("\xFF\xFF\xFF\x7F", 4), "damaged"},
-      {GZIP, head + std::string("\xFF\xFF\0\0", 4), "damaged"},
-      {GZIP, head + std::string(4, '\0'), "damaged"},
-      {GZIP, plain, "damaged"},
-      {GZIP, zstandard, "damaged"},
-      {ZSTANDARD, gzip, "Unknown frame descriptor"},
-      {ZSTANDARD, "", "ends too early"},
-      {GZIP, "", "ends too early"},
-      {PLAIN, gzip, "line 1: a byte that is no character"},
+      {GZIP, "bytes follow the compressed data", {gzip + gzip, gzip + size}},
+      {GZIP, "more text than the compressed data claims to hold", {gzip + std::string(8, '\0')}},
+      {GZIP,
+       "damaged",
+       {head + std::string("\xFF\xFF\xFF\x7F", 4), head + std::string("\xFF\xFF\0\0", 4), head + std::string(4, '\0'),
+        bytesOf(PLAIN), zstandard}},
+      {GZIP, "ends too early", {""}},
+      {ZSTANDARD, "bytes follow the compressed data", {zstandard + zstandard, zstandard + "\n"}},
+      {ZSTANDARD, "Unknown frame descriptor", {gzip}},
+      {ZSTANDARD, "ends too early", {""}},
+      {PLAIN, "line 1: a byte that is no character", {gzip}},
   };
-  for (auto const& theCase : theCases) expectRefused(theCase.form, theCase.bytes, theCase.message);
+  for (auto const& theCase : theCases) {
+    for (std::string const& bytes : theCase.files) expectRefused(theCase.form, bytes, theCase.message);
+  }
 }
 
 TEST(XmlFile, IsRefusedBeforeItTakesMemoryWhenItWouldBecomeTooLarge) {
@@ -170,13 +167,11 @@ TEST(XmlFile, IsRefusedBeforeItTakesMemoryWhenItWouldBecomeTooLarge) {
 TEST(XmlFile, ReadsOnlyRegularFilesAndNeverWaits) {
   TemporaryFolder const folder;
   ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
-  std::ofstream(folder.file("large")).close();
-  ASSERT_EQ(truncate(folder.file("large").c_str(), ZuXmlReader::m_theMaximumDocumentSize + 1), 0);
-  std::ofstream(folder.file("secret")) << "<node/>";
-  ASSERT_EQ(chmod(folder.file("secret").c_str(), 0), 0);
+  for (char const* const name : {"large", "secret"}) std::ofstream(folder.file(name)) << "<node/>";
+  files::resize_file(folder.file("large"), ZuXmlReader::m_theMaximumDocumentSize + 1);
+  files::permissions(folder.file("secret"), files::perms::none);
   struct {
-    std::string file;
-    std::string message;
+    std::string file, message;
   } const theCases[] = {
       {folder.file("none"), "No such file"},
       {folder.file(""), "not a regular file"},
@@ -199,24 +194,17 @@ TEST(XmlFile, ReplacesTheOldOneAsAWholeOrNotAtAll) {
   TemporaryFolder const folder;
   std::string const file = folder.file("file");
   std::ofstream(file) << "old";
-  ASSERT_EQ(chmod(file.c_str(), 0640), 0);
-  ASSERT_EQ(symlink("file", folder.file("link").c_str()), 0);
+  files::permissions(file, files::perms(0640));
+  files::create_symlink("file", folder.file("link"));
   PrintSink sink;
   EXPECT_FALSE(Text(std::string("\x01")).writeToFile(file, "text"));
   EXPECT_EQ(contents(file), "old");
-  EXPECT_FALSE(Node().writeToFile(folder.file("none/file"), "node"));
-  EXPECT_FALSE(Node().writeToFile("/dev/full", "node"));
+  EXPECT_FALSE(Node().writeToFile(folder.file("none/file"), "node") || Node().writeToFile("/dev/full", "node"));
   EXPECT_EQ(sink.messages().size(), 3U);
-  EXPECT_TRUE(Node().writeToFile("/dev/null", "node"));
-  EXPECT_TRUE(Node().writeToFile(folder.file("link"), "node"));
-  struct stat status {};
-  ASSERT_EQ(lstat(folder.file("link").c_str(), &status), 0);
-  EXPECT_TRUE(S_ISLNK(status.st_mode));
-  ASSERT_EQ(stat(file.c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777U, 0640U);
+  EXPECT_TRUE(Node().writeToFile("/dev/null", "node") && Node().writeToFile(folder.file("link"), "node"));
+  EXPECT_TRUE(files::is_symlink(folder.file("link")) && files::is_character_file("/dev/null"));
+  EXPECT_EQ(files::status(file).permissions(), files::perms(0640));
   EXPECT_TRUE(Node().readFromFile(file));
-  ASSERT_EQ(stat("/dev/null", &status), 0);
-  EXPECT_TRUE(S_ISCHR(status.st_mode));
   EXPECT_EQ(folder.count(), 2U);
 }
 
@@ -225,16 +213,13 @@ TEST(XmlStream, ReadsToTheEndAndRefusesAStreamThatFailed) {
   stream.exceptions(std::ios::failbit | std::ios::badbit | std::ios::eofbit);
   Node node;
   ASSERT_TRUE(Node::testObject().writeToStream(stream, "stream", "node"));
-  EXPECT_TRUE(node.readFromStream(stream, "stream"));
-  EXPECT_TRUE(node == Node::testObject());
+  EXPECT_TRUE(node.readFromStream(stream, "stream") && node == Node::testObject());
   PrintSink sink;
   std::ifstream missing("/nowhere");
-  std::ofstream full("/dev/full");
-  std::ofstream throwing("/dev/full");
+  std::ofstream full("/dev/full"), throwing("/dev/full");
   throwing.exceptions(std::ios::failbit | std::ios::badbit);
-  EXPECT_FALSE(node.readFromStream(missing, "missing"));
-  EXPECT_FALSE(node.writeToStream(full, "full", "node"));
-  EXPECT_FALSE(node.writeToStream(throwing, "throwing", "node"));
+  EXPECT_FALSE(node.readFromStream(missing, "missing") || node.writeToStream(full, "full", "node") ||
+               node.writeToStream(throwing, "throwing", "node"));
   EXPECT_EQ(sink.messages().size(), 3U);
   EXPECT_TRUE(node == Node::testObject());
 }

@@ -75,6 +75,10 @@ template <class T>
 class Persistence : public testing::Test {};
 TYPED_TEST_SUITE(Persistence, TypesOf<AllClasses>::type);
 
+/// Values stay small: components and one pointer to tables that only XML needs (in 64-bit builds).
+static_assert(sizeof(void*) != 8 || sizeof(ZuXmlVector) <= 40);
+static_assert(sizeof(void*) != 8 || sizeof(ZuAxisAlignedBoundingBox) <= 112);
+
 }  // namespace
 
 TYPED_TEST(ValueClass, NeverAllocatesUntilXmlIsUsed) {
