@@ -1,18 +1,13 @@
-// extentChecks.h - what every tessellation has to keep, and the real meshes to fit solids to.
+// extentChecks.h - what every tessellation has to keep.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <map>
-#include <sstream>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "geometry/zuTriPhysicalExtent.h"
-#include "tests/sharedFiles.h"
 
 /// The loops of all facets.
 inline std::vector<std::vector<unsigned int>> loopsOf(ZuBasePhysicalExtent const& extent) {
@@ -20,9 +15,8 @@ inline std::vector<std::vector<unsigned int>> loopsOf(ZuBasePhysicalExtent const
   for (unsigned int group = 0; group < extent.numberOfGroups(); ++group) {
     for (unsigned int facet = 0; facet < extent.numberOfFacetsInGroup(group); ++facet) {
       loops.emplace_back();
-      for (unsigned int k = 0; k < extent.numberOfPointsInFacet(group, facet); ++k) {
+      for (unsigned int k = 0; k < extent.numberOfPointsInFacet(group, facet); ++k)
         loops.back().push_back(extent.getFacetPointIndex(group, facet, k));
-      }
     }
   }
   return loops;
@@ -60,35 +54,4 @@ inline testing::AssertionResult facetsCloseAndAreConvex(ZuBasePhysicalExtent con
     if (edges.count({edge.second, edge.first}) == 0) return testing::AssertionFailure() << "open edge " << edge.first;
   }
   return testing::AssertionSuccess();
-}
-
-/// The vertices of a real mesh, m.
-struct SharedMesh {
-  std::string name;
-  ZuXmlVectorVector points;
-  double hullVolume() const {
-    ZuTriPhysicalExtent hull;
-    return hull.convexHull(points) ? extentVolume(hull) : 0.0;
-  }
-};
-
-/// In the order of their names; none when they are not there.
-inline std::vector<SharedMesh> sharedMeshes() {
-  std::map<std::string, SharedMesh> meshes;
-  std::error_code missing;
-  for (auto const& entry : std::filesystem::directory_iterator(sharedFile("data/objects"), missing)) {
-    if (entry.path().extension() != ".obj") continue;
-    SharedMesh& mesh = meshes[entry.path().stem().string()];
-    mesh.name = entry.path().stem().string();
-    std::ifstream file(entry.path());
-    for (std::string line; std::getline(file, line);) {
-      std::istringstream words(line);
-      std::string kind;
-      double x, y, z;
-      if (words >> kind >> x >> y >> z && kind == "v") mesh.points.pushBack(ZuVector(x, y, z));
-    }
-  }
-  std::vector<SharedMesh> result;
-  for (auto const& [name, mesh] : meshes) result.push_back(mesh);
-  return result;
 }

@@ -11,6 +11,8 @@
 #include "geometry/zuShapePointEvent.h"
 #include "geometry/zuSphere.h"
 #include "tests/extentChecks.h"
+#include "tests/minimumNorm.h"
+#include "tests/objReader.h"
 #include "tests/proximityFixture.h"
 #include "tests/randomValues.h"
 #include "tests/valuePrinters.h"
@@ -34,28 +36,8 @@ ZuVector randomPointOf(RandomValues& random, ZuCapsule const& c) {
   return point + random.direction() * c.radius() * std::cbrt(random.real(0.0, 1.0));
 }
 
-/// The least distance of two segments by nested interval search: the distance of a convex set from a point that moves
-/// along a line is convex.
 double leastCoreDistance(ZuLineSegment const& a, ZuLineSegment const& b) {
-  auto const at = [&](double s) { return b.distanceTo(a.endpoint0() + s * a.delta()); };
-  double low = 0.0;
-  double high = 1.0;
-  for (int i = 0; i < 120; ++i) {
-    double const third = (high - low) / 3.0;
-    bool const isLow = at(low + third) <= at(high - third);
-    low += isLow ? 0.0 : third;
-    high -= isLow ? third : 0.0;
-  }
-  return std::min({at(low), at(0.0), at(1.0)});
-}
-
-ZuXmlVectorVector cloud(RandomValues& random, std::size_t count, ZuVector const& sizes) {
-  ZuXmlVectorVector points;
-  for (std::size_t i = 0; i < count; ++i) {
-    ZuVector const p = random.vector();
-    points.pushBack(ZuVector(p.x() * sizes.x(), p.y() * sizes.y(), p.z() * sizes.z()));
-  }
-  return points;
+  return MinimumNorm::distance({a.endpoint0(), a.endpoint1()}, {b.endpoint0(), b.endpoint1()});
 }
 
 double mostOutside(ZuCapsule const& c, ZuXmlVectorVector const& points) {
@@ -73,26 +55,19 @@ TEST_F(Capsule, DistancesToSpheresAndCapsulesAreThoseOfTheCoresMinusTheRadii) {
   SCOPED_TRACE(random.trace());
   int overlapping = 0;
   for (int i = 0; i < 2000; ++i) {
-    ZuCapsule const a = randomCapsule(random);
-    ZuCapsule const b = randomCapsule(random);
+    ZuCapsule const a = randomCapsule(random), b = randomCapsule(random);
     ZuCoordinateSystemTransformation const x = random.transformation(0.8);
     double const d = leastCoreDistance(a.lineSegment(), x * b.lineSegment()) - a.radius() - b.radius();
-    double const bounded = std::max(d, -std::max(a.radius(), b.radius()));
-    EXPECT_NEAR(distance(a, b, x), bounded, 1e-12);
+    EXPECT_NEAR(distance(a, b, x), std::max(d, -std::max(a.radius(), b.radius())), 1e-12);
     overlapping += d < 0.0;
     ZuSphere const ball(b.lineSegment().endpoint0(), b.radius(), 3);
     EXPECT_NEAR(distance(a, ball, x), a.distanceTo(x * ball.center()) - ball.radius(), 1e-14);
     EXPECT_NEAR(a.distanceTo(x * b.lineSegment()), d + b.radius(), 1e-12);
   }
-  EXPECT_GT(overlapping, 400);
-  EXPECT_LT(overlapping, 1600);
-}
-
-TEST_F(Capsule, DepthOfTwoCapsulesIsBoundedByTheLargerRadiusAndThatOfASphereIsNot) {
-  ZuCapsule const thin = capsule({0, 0, 0}, {0, 0, 4}, 1);
-  ZuCapsule const thick = capsule({0, 0, 0}, {0, 0, 4}, 2);
-  EXPECT_EQ(distance(thin, thick, {}), -2.0);
-  EXPECT_EQ(distance(thick, thin, {}), -2.0);
+  EXPECT_TRUE(overlapping > 400 && overlapping < 1600) << overlapping;
+  // The depth of two capsules is bounded by the larger radius, that of a sphere is not.
+  ZuCapsule const thin = capsule({0, 0, 0}, {0, 0, 4}, 1), thick = capsule({0, 0, 0}, {0, 0, 4}, 2);
+  EXPECT_TRUE(distance(thin, thick, {}) == -2.0 && distance(thick, thin, {}) == -2.0);
   EXPECT_EQ(distance(thin, ZuSphere(ZuVector(0, 0, 1), 2, 3), {}), -3.0);
   EXPECT_EQ(thin.distanceTo(ZuVector(0, 0, 3)), -1.0);
 }
@@ -102,8 +77,7 @@ TEST_F(Capsule, WitnessPointsLieInBothSolidsAndAreApartByTheDistance) {
   SCOPED_TRACE(random.trace());
   int bounded = 0;
   for (int i = 0; i < 2000; ++i) {
-    ZuCapsule const a = randomCapsule(random);
-    ZuCapsule const b = randomCapsule(random);
+    ZuCapsule const a = randomCapsule(random), b = randomCapsule(random);
     ZuCoordinateSystemTransformation const x = random.transformation(i % 2 == 0 ? 0.8 : 0.2);
     ZuVector w1, w2, u1, u2, direction;
     double const d = witness(a, b, x, w1, w2);
@@ -111,10 +85,8 @@ TEST_F(Capsule, WitnessPointsLieInBothSolidsAndAreApartByTheDistance) {
     ASSERT_NEAR((x * w2 - w1).mag(), std::abs(d), 1e-13);
     bool const isBounded = d == -std::max(a.radius(), b.radius());
     bounded += isBounded;
-    for (double const outside : {a.distanceTo(w1), b.distanceTo(w2)}) {
-      ASSERT_LE(outside, 1e-13);
-      ASSERT_TRUE(isBounded || outside >= -1e-13) << outside;
-    }
+    for (double const outside : {a.distanceTo(w1), b.distanceTo(w2)})
+      ASSERT_TRUE(outside <= 1e-13 && (isBounded || outside >= -1e-13)) << outside;
     ASSERT_NEAR(witness(b, a, x.inverse(), u2, u1), d, 1e-13);
     ASSERT_TRUE(u1.approxEq(w1, 1e-11) && u2.approxEq(w2, 1e-11));
     double d2 = 0.0;
@@ -122,8 +94,7 @@ TEST_F(Capsule, WitnessPointsLieInBothSolidsAndAreApartByTheDistance) {
     ASSERT_EQ(d2, d);
     ASSERT_TRUE((w1 + direction * d).approxEq(x * w2, 1e-13));
   }
-  EXPECT_GT(bounded, 20);
-  EXPECT_LT(bounded, 1000);
+  EXPECT_TRUE(bounded > 20 && bounded < 1000) << bounded;
 }
 
 TEST_F(Capsule, CoresThatMeetAreSeparatedAlongTheirCommonPerpendicular) {
@@ -139,8 +110,7 @@ TEST_F(Capsule, CoresThatMeetAreSeparatedAlongTheirCommonPerpendicular) {
     EXPECT_TRUE(a.computeDistanceAndWitnessPoints(b, {}, false, w1, w2, d, n));
     EXPECT_EQ(d, -0.5);
     EXPECT_NEAR(n.mag(), 1.0, 1e-15);
-    EXPECT_NEAR(n.dot(c.delta1), 0.0, 1e-14);
-    EXPECT_NEAR(n.dot(c.delta2), 0.0, 1e-14);
+    EXPECT_NEAR(std::abs(n.dot(c.delta1)) + std::abs(n.dot(c.delta2)), 0.0, 1e-14);
     EXPECT_NEAR((w1 - w2).mag(), 0.5, 1e-15);
   }
 }
@@ -165,23 +135,19 @@ TEST_F(Capsule, ContactsTakeTheOtherShapeAsItStands) {
 }
 
 TEST_F(Capsule, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
-  class Other : public ZuCapsule {
-   public:
-    explicit Other(ZuShapeValues type) : m_Type(type) {}
+  struct Other : ZuCapsule {
+    explicit Other(int type) : m_Type(static_cast<ZuShapeValues>(type)) {}
     ZuShapeValues type() const override { return m_Type; }
-
-   private:
     ZuShapeValues m_Type;
   };
   ZuCapsule a = capsule({0, 0, 0}, {0, 0, 4}, 1);
   ZuVector w1(1, 2, 3), w2, direction;
   double d = 7.0;
   for (int type = ZuShape::ELLIPSOID; type <= ZuShape::EXTENT_INTERSECTION; ++type) {
-    Other const other(static_cast<ZuShape::ZuShapeValues>(type));
+    Other const other(type);
     PrintSink sink;
     EXPECT_EQ(distance(a, other, {}), 0.0);
-    EXPECT_FALSE(touch(a, other, {}));
-    EXPECT_EQ(witness(a, other, {}, w1, w2), 0.0);
+    EXPECT_FALSE(touch(a, other, {}) || witness(a, other, {}, w1, w2) != 0.0);
     EXPECT_FALSE(a.computeDistanceAndWitnessPoints(other, {}, false, w1, w2, d, direction));
     std::string const pair = " from shapeID (4) to shapeID (" + std::to_string(type) + ") not supported";
     EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuCapsule::distanceTo-->Distance" + pair,
@@ -192,9 +158,7 @@ TEST_F(Capsule, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
   a.fitFromShape(Other(ZuShape::HALF_SPACE));
   EXPECT_EQ(sink.take(),
             std::vector<std::string>{"ZuCapsule::fitFromShape-->expand from shapeID (4) to shapeID (9) not supported"});
-  EXPECT_EQ(w1, ZuVector(1, 2, 3));
-  EXPECT_EQ(d, 7.0);
-  EXPECT_EQ(a, capsule({0, 0, 0}, {0, 0, 4}, 1));
+  EXPECT_TRUE(w1 == ZuVector(1, 2, 3) && d == 7.0 && a == capsule({0, 0, 0}, {0, 0, 4}, 1));
 }
 
 TEST_F(Capsule, SupportPointIsTheFartherEndMovedByTheRadius) {
@@ -234,13 +198,10 @@ TEST_F(Capsule, SegmentsAreCutWhereTheyEnterAndLeave) {
     for (double t = 0.0625; t < 1.0; t += 0.0625) {
       double const d = c.distanceTo(s.endpoint0() + t * s.delta());
       bool const between = t > event.entry.t && t < event.exit.t;
-      if (std::abs(d) > 1e-12) {
-        EXPECT_EQ(d < 0.0, between) << t;
-      }
+      EXPECT_TRUE(std::abs(d) <= 1e-12 || (d < 0.0) == between) << t;
     }
   }
-  EXPECT_GT(hits, 900);
-  EXPECT_LT(hits, 2500);
+  EXPECT_TRUE(hits > 900 && hits < 2500) << hits;
 }
 
 TEST_F(Capsule, TouchingAndDegenerateSegmentsHitInOnePoint) {
@@ -258,39 +219,35 @@ TEST_F(Capsule, TouchingAndDegenerateSegmentsHitInOnePoint) {
   ZuShapePointEvent event;
   for (auto const& k : theCases) {
     ASSERT_TRUE(c.intersectLineSegment(ZuLineSegment(k.from, k.to), event));
-    EXPECT_NEAR(event.entry.t, k.entry, 1e-15);
-    EXPECT_NEAR(event.exit.t, k.exit, 1e-15);
+    EXPECT_NEAR(std::abs(event.entry.t - k.entry) + std::abs(event.exit.t - k.exit), 0.0, 1e-15);
     EXPECT_TRUE(event.entry.normal.approxEq(k.normal, 1e-15));
   }
   EXPECT_FALSE(c.intersectLineSegment(ZuLineSegment({1.0000001, -2, 3}, {1.0000001, 2, 3}), event));
   ZuCapsule const bare = capsule({0, 0, 0}, {0, 0, 4}, 0);
   ASSERT_TRUE(bare.intersectLineSegment(ZuLineSegment({-1, 0, 1}, {1, 0, 1}), event));
-  EXPECT_EQ(event.exit.t, 0.5);
-  EXPECT_EQ(event.entry.normal, ZuVector());
+  EXPECT_TRUE(event.exit.t == 0.5 && event.entry.normal == ZuVector());
 }
 
 TEST_F(Capsule, FitsEncloseTheRealMeshesTightlyAndMoveWithThem) {
-  double sumOfRatios = 0.0;
-  std::vector<SharedMesh> const meshes = sharedMeshes();
-  if (meshes.empty()) GTEST_SKIP() << "no shared meshes";
   RandomValues random(34);
-  for (SharedMesh const& mesh : meshes) {
-    ZuCapsule fit;
-    fit.fitToPoints(mesh.points);
-    EXPECT_LE(mostOutside(fit, mesh.points), 1e-12) << mesh.name;
-    double const ratio = fit.volume() / mesh.hullVolume();
-    sumOfRatios += ratio;
-    RecordProperty(mesh.name, std::to_string(ratio));
-    if (mesh.points.size() > 2000) continue;
+  double sumOfRatios = 0.0;
+  for (std::string const& name : realMeshes()) {
+    ZuXmlVectorVector points(ObjMesh::read(sharedFile("data/objects/" + name)).points);
+    if (points.empty()) GTEST_SKIP() << "no shared meshes";
+    ZuTriPhysicalExtent hull;
+    ASSERT_TRUE(hull.convexHull(points)) << name;
+    ZuCapsule fit, movedFit;
+    fit.fitToPoints(points);
+    EXPECT_LE(mostOutside(fit, points), 1e-12) << name;
+    sumOfRatios += fit.volume() / extentVolume(hull);
+    if (points.size() > 2000) continue;
     ZuCoordinateSystemTransformation const x = random.transformation();
-    ZuXmlVectorVector moved = mesh.points;
-    for (ZuVector& p : moved) p = x * p;
-    ZuCapsule movedFit;
-    movedFit.fitToPoints(moved);
-    EXPECT_NEAR(movedFit.volume() / fit.volume(), 1.0, 0.02) << mesh.name;
+    for (ZuVector& p : points) p = x * p;
+    movedFit.fitToPoints(points);
+    EXPECT_NEAR(movedFit.volume() / fit.volume(), 1.0, 0.02) << name;
   }
   // 3.338 when this was written; a lasting search from many more starts reaches 3.334.
-  EXPECT_LT(sumOfRatios / static_cast<double>(meshes.size()), 3.35);
+  EXPECT_LT(sumOfRatios / static_cast<double>(realMeshes().size()), 3.35);
 }
 
 TEST_F(Capsule, FitsRecoverACapsuleAndTakeDegenerateSets) {
@@ -329,14 +286,13 @@ TEST_F(Capsule, ExpandingKeepsWhatWasInsideAndTakesInTheRest) {
   RandomValues random(36);
   SCOPED_TRACE(random.trace());
   for (int i = 0; i < 500; ++i) {
-    ZuCapsule const before = randomCapsule(random);
-    ZuCapsule const other = randomCapsule(random);
-    ZuCapsule grown = before;
+    ZuCapsule const before = randomCapsule(random), other = randomCapsule(random);
+    ZuCapsule grown = before, grownForPoints = before;
     bool const hasGrown = grown.expandToInclude(other);
     EXPECT_EQ(hasGrown, grown.radius() > before.radius());
     EXPECT_EQ(grown.lineSegment(), before.lineSegment());
-    ZuXmlVectorVector points = cloud(random, 20, {2, 2, 2});
-    ZuCapsule grownForPoints = before;
+    ZuXmlVectorVector points;
+    for (int k = 0; k < 20; ++k) points.pushBack(random.vector(2.0));
     EXPECT_EQ(grownForPoints.expandToInclude(points), mostOutside(before, points) > 0.0);
     EXPECT_LE(mostOutside(grownForPoints, points), 1e-13);
     for (int k = 0; k < 50; ++k) {
@@ -358,8 +314,7 @@ TEST_F(Capsule, MovingScalingAndVolumeAgree) {
     ZuCapsule const c = randomCapsule(random);
     ZuCoordinateSystemTransformation const x = random.transformation();
     double const factor = random.real(-3.0, 3.0);
-    ZuCapsule moved = c;
-    ZuCapsule scaled = c;
+    ZuCapsule moved = c, scaled = c;
     moved.transformBy(x);
     scaled.scaleBy(factor);
     ZuVector const p = random.vector(3.0);
@@ -387,8 +342,7 @@ TEST_F(Capsule, TessellationsCloseFaceOutwardAndConverge) {
       c.setRadius(0.7);
       ZuBasePhysicalExtent const& extent = c.physicalExtent();
       EXPECT_EQ(&extent, &c.physicalExtent());
-      EXPECT_TRUE(extent.isConvex());
-      EXPECT_TRUE(facetsCloseAndAreConvex(extent));
+      EXPECT_TRUE(extent.isConvex() && facetsCloseAndAreConvex(extent));
       for (ZuVector const& p : extent.points()) ASSERT_NEAR(c.distanceTo(p), 0.0, 1e-14);
       double const lost = 1.0 - extentVolume(extent) / c.volume();
       EXPECT_TRUE(level < 2 || std::abs(missing / lost - 4.0) < 0.4) << missing / lost;

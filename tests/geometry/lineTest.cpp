@@ -7,6 +7,7 @@
 
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
+#include "tests/convexOracle.h"
 #include "tests/printSink.h"
 #include "tests/randomValues.h"
 #include "tests/sharedFiles.h"
@@ -18,38 +19,23 @@ using Transformation = ZuCoordinateSystemTransformation;
 
 double constexpr theEps = 0x1p-52;
 
-/// A vector in extended precision.
-struct LongVector {
-  long double x, y, z;
-  LongVector(ZuVector const& v) : x(v.x()), y(v.y()), z(v.z()) {}  // NOLINT
-  LongVector(long double a, long double b, long double c) : x(a), y(b), z(c) {}
-  LongVector operator+(LongVector const& v) const { return {x + v.x, y + v.y, z + v.z}; }
-  LongVector operator-(LongVector const& v) const { return {x - v.x, y - v.y, z - v.z}; }
-  LongVector operator*(long double s) const { return {x * s, y * s, z * s}; }
-  long double dot(LongVector const& v) const { return x * v.x + y * v.y + z * v.z; }
-};
-
-long double squaredFromPoint(LongVector const& p, LongVector const& q0, LongVector const& delta) {
-  long double const c = delta.dot(delta);
-  long double const t = c > 0 ? std::clamp((p - q0).dot(delta) / c, 0.0L, 1.0L) : 0.0L;
-  LongVector const r = p - q0 - delta * t;
-  return r.dot(r);
-}
-
 /// The distance of two segments by a search along the first: the squared distance from its points to the second is
 /// convex.
 double searchedDistance(ZuLineSegment const& a, ZuLineSegment const& b) {
-  LongVector const p0 = a.endpoint0(), u = LongVector(a.endpoint1()) - p0;
-  LongVector const q0 = b.endpoint0(), v = LongVector(b.endpoint1()) - q0;
-  auto const squared = [&](long double s) { return squaredFromPoint(p0 + u * s, q0, v); };
-  long double low = 0, high = 1, best = std::min(squared(0), squared(1));
+  oracle::Vector const p = oracle::extended(a.endpoint0()), u = oracle::extended(a.endpoint1()) - p;
+  oracle::Vector const q = oracle::extended(b.endpoint0()), v = oracle::extended(b.endpoint1()) - q;
+  auto const distance = [&](long double s) {
+    oracle::Vector const r = p + u * s - q;
+    return length(dot(v, v) > 0 ? r - v * std::clamp(dot(r, v) / dot(v, v), 0.0L, 1.0L) : r);
+  };
+  long double low = 0, high = 1, best = std::min(distance(0), distance(1));
   for (int i = 0; i < 120; ++i) {
     long double const left = low + (high - low) / 3, right = high - (high - low) / 3;
-    long double const fLeft = squared(left), fRight = squared(right);
+    long double const fLeft = distance(left), fRight = distance(right);
     best = std::min({best, fLeft, fRight});
     (fLeft < fRight ? high : low) = fLeft < fRight ? right : left;
   }
-  return static_cast<double>(std::sqrt(best));
+  return static_cast<double>(best);
 }
 
 /// The diameter of the pair, within a factor 2.
@@ -96,8 +82,7 @@ TEST(LineSegment, DistanceHoldsAtEveryAngleHoweverSmall) {
       EXPECT_NEAR(pointOf(a, s).distanceTo(pointOf(b, t)), distance, tolerance + 4.0 * theEps * a.center().mag());
     }
   }
-  EXPECT_GT(interior, total / 20);
-  EXPECT_LT(interior, total / 2);
+  EXPECT_TRUE(interior > total / 20 && interior < total / 2) << interior;
 }
 
 TEST(LineSegment, PairsFollowTheRulesOfTheirParameters) {
@@ -123,8 +108,7 @@ TEST(LineSegment, PairsFollowTheRulesOfTheirParameters) {
   for (Case const& c : cases) {
     double s = -7.0, t = -7.0;
     EXPECT_EQ(c.a.distanceSquaredTo(c.b, s, t), c.squared) << c.what;
-    EXPECT_EQ(s, c.s) << c.what;
-    EXPECT_EQ(t, c.t) << c.what;
+    EXPECT_TRUE(s == c.s && t == c.t) << c.what << ": " << s << ' ' << t;
     EXPECT_EQ(c.a.distanceSquaredTo(c.b), c.squared) << c.what;
     EXPECT_EQ(c.a.distanceTo(c.b), std::sqrt(c.squared)) << c.what;
     if (c.a.lengthSquared() == 0.0 || c.b.lengthSquared() == 0.0) continue;
@@ -136,24 +120,19 @@ TEST(LineSegment, PairsFollowTheRulesOfTheirParameters) {
 TEST(LineSegment, AgreesWithPublishedHardCases) {
   std::ifstream file(sharedFile("cases/open.segments.txt"));
   if (!file) GTEST_SKIP() << "cases/open.segments.txt is not in ZU_SHARED";
-  std::map<std::string, std::string> fields;
+  std::map<std::string, ZuVector> fields;
   int count = 0;
-  auto const vectorOf = [&fields](char const* key) {
-    std::istringstream text(fields[key]);
-    double x, y, z;
-    text >> x >> y >> z;
-    return ZuVector(x, y, z);
-  };
   for (std::string line; std::getline(file, line);) {
-    std::string const key = line.substr(0, line.find(' '));
-    if (key != "end") {
-      fields[key] = line.substr(std::min(line.size(), key.size() + 1));
-      continue;
-    }
-    ZuLineSegment const p(vectorOf("p0"), vectorOf("p1")), q(vectorOf("q0"), vectorOf("q1"));
+    std::istringstream text(line);
+    std::string key;
+    double x = 0.0, y = 0.0, z = 0.0;
+    text >> key >> x >> y >> z;
+    fields[key] = ZuVector(x, y, z);
+    if (key != "end") continue;
+    ZuLineSegment const p(fields["p0"], fields["p1"]), q(fields["q0"], fields["q1"]);
     double const tolerance = 8.0 * theEps * extentOf(p, q);
-    EXPECT_NEAR(p.distanceTo(q), std::stod(fields["d"]), tolerance) << fields["segments"];
-    EXPECT_NEAR(q.distanceTo(p), std::stod(fields["d"]), tolerance) << fields["segments"];
+    EXPECT_NEAR(p.distanceTo(q), fields["d"].x(), tolerance) << "case " << count;
+    EXPECT_NEAR(q.distanceTo(p), fields["d"].x(), tolerance) << "case " << count;
     ++count;
   }
   EXPECT_GT(count, 20);
@@ -175,42 +154,30 @@ TEST(LineSegment, PointsSeeTheNearestPointAndTheRawParameter) {
     EXPECT_EQ(c.segment.distanceSquaredTo(c.p, t), c.squared);
     EXPECT_EQ(c.segment.distanceSquaredTo(c.p), c.squared);
     EXPECT_EQ(c.segment.distanceTo(c.p), std::sqrt(c.squared));
-    EXPECT_EQ(t, c.t);
     EXPECT_EQ(c.segment.distanceSquaredFromLineTo(c.p, tOfLine), c.squaredFromLine);
     EXPECT_EQ(c.segment.distanceSquaredFromLineTo(c.p), c.squaredFromLine);
-    EXPECT_EQ(tOfLine, c.tOfLine);
+    EXPECT_TRUE(t == c.t && tOfLine == c.tOfLine) << t << ' ' << tOfLine;
   }
 }
 
 TEST(LineSegment, DeltaAndLengthFollowTheEndpoints) {
   ZuVector const p(1, 2, 3), q(4, 6, 3);
-  ZuLineSegment set, one, read;
+  ZuLineSegment set, one, read, swapped(q, p), turned(q, p);
   set.setEndpoints(p, q);
   one.setEndpoint0(p);
   one.setEndpoint1(q);
   ASSERT_TRUE(read.readFromBuffer("<s><endpoint1>4 6 3</endpoint1><endpoint0>1 2 3</endpoint0></s>"));
-  for (ZuLineSegment const& segment : {set, one, read, ZuLineSegment(read)}) {
-    EXPECT_EQ(segment, ZuLineSegment(p, q));
+  swapped.swapEndpoints();
+  turned.setEndpoints(turned.endpoint1(), turned.endpoint0());
+  for (ZuLineSegment const& segment : {set, one, read, swapped, turned}) {
+    EXPECT_TRUE(segment == ZuLineSegment(p, q) && segment.endpoint(0) == p && segment.endpoint(1) == q);
     EXPECT_EQ(segment.delta(), ZuVector(3, 4, 0));
     EXPECT_EQ(segment.length(), 5.0);
     EXPECT_EQ(segment.center(), ZuVector(2.5, 4, 3));
   }
-  set.setEndpoints(set.endpoint1(), set.endpoint0());
-  EXPECT_EQ(set, ZuLineSegment(q, p));
-  set.swapEndpoints();
-  EXPECT_EQ(set.delta(), ZuVector(3, 4, 0));
-  set.swapEndpoints();
-  EXPECT_EQ(set, ZuLineSegment(q, p));
-  EXPECT_EQ(set.delta(), ZuVector(-3, -4, 0));
-  EXPECT_EQ(set.lengthSquared(), 25.0);
-}
-
-TEST(LineSegment, ABadEndpointIndexPrintsAndGivesTheSecond) {
-  ZuLineSegment const segment({1, 0, 0}, {3, 0, 0});
   PrintSink sink;
-  for (unsigned int i : {0U, 1U, 2U})
-    EXPECT_EQ(segment.endpoint(i), i == 0 ? segment.endpoint0() : segment.endpoint1());
-  ASSERT_EQ(sink.take(), std::vector<std::string>{"ZuLineSegment::endpoint(): index 2 out of range.\n"});
+  EXPECT_EQ(set.endpoint(2), q);
+  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuLineSegment::endpoint(): index 2 out of range.\n"});
 }
 
 TEST(LineSegment, MovesAsItsPointsDoAndKeepsItsLengthBitForBit) {
@@ -219,12 +186,11 @@ TEST(LineSegment, MovesAsItsPointsDoAndKeepsItsLengthBitForBit) {
   for (int i = 0; i < 100; ++i) {
     Transformation const xform = random.transformation();
     ZuLineSegment const segment(random.vector(), random.vector()), moved = xform * segment;
+    ZuPlainSegment const plain = segment.plain().transformedBy(xform);
     EXPECT_EQ(moved, ZuLineSegment(xform * segment.endpoint0(), xform * segment.endpoint1()));
     EXPECT_EQ(moved.delta(), moved.endpoint1() - moved.endpoint0());
-    EXPECT_EQ(moved.lengthSquared(), segment.lengthSquared());
-    ZuPlainSegment const plain = segment.plain().transformedBy(xform);
+    EXPECT_TRUE(moved.lengthSquared() == segment.lengthSquared() && plain.lengthSquared == segment.lengthSquared());
     EXPECT_EQ(plain.delta, moved.delta());
-    EXPECT_EQ(plain.lengthSquared, segment.lengthSquared());
   }
 }
 
@@ -249,27 +215,19 @@ TEST(Line, DistanceIsAsGoodAsTheRoundedDirectionsAllow) {
   }
 }
 
-TEST(Line, ParallelLinesAreMeasuredFromThePointOfTheFirst) {
+TEST(Line, ParallelLinesAreMeasuredFromThePointOfTheFirstAlsoWhenParallelButForRounding) {
   ZuVector const direction(1.0, 2.0, -2.0);
   ZuLine const a({1, 1, 1}, direction), b({3, 0, 1}, -direction);
   double s = -7.0, t = -7.0, tOfPoint = -7.0;
   EXPECT_EQ(a.distanceSquared(b, s, t), b.distanceSquaredFromLineTo(a.point(), tOfPoint));
-  EXPECT_EQ(s, 0.0);
-  EXPECT_EQ(t, tOfPoint);
+  EXPECT_TRUE(s == 0.0 && t == tOfPoint);
   EXPECT_EQ(b.distanceSquaredFromLineTo(a.point()), b.distanceSquaredFromLineTo(a.point(), t));
-}
-
-TEST(Line, LinesThatAreParallelButForRoundingAreAsFarApartAsParallelOnes) {
   RandomValues random(21);
   SCOPED_TRACE(random.trace());
   for (int i = 0; i < 2000; ++i) {
-    ZuVector const direction = random.vector();
-    ZuVector const across = direction.cross(random.vector()).unitVector();
-    double const factor = random.scale(0.01, 100.0);
-    ZuVector const p = random.vector();
-    ZuVector const q = p + across + random.real() * direction;
-    double s = 0.0, t = 0.0;
-    EXPECT_NEAR(ZuLine(p, direction).distanceSquared(ZuLine(q, factor * direction), s, t), 1.0, 1e-12);
+    ZuVector const u = random.vector(), across = u.cross(random.vector()).unitVector(), p = random.vector();
+    ZuLine const other(p + across + random.real() * u, random.scale(0.01, 100.0) * u);
+    EXPECT_NEAR(ZuLine(p, u).distanceSquared(other, s, t), 1.0, 1e-12);
   }
 }
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <map>
+#include <numeric>
 #include <tuple>
 
 #include "foundation/zuManipulatorSystem.h"
@@ -28,11 +28,6 @@ struct CountedSystem : ZuManipulatorSystem {
   std::vector<std::vector<unsigned int>> shapes;
 
   CountedSystem(std::vector<std::vector<unsigned int>> counts) : shapes(std::move(counts)) {}  // NOLINT
-  static CountedSystem uniform(unsigned int manipulators, unsigned int links, unsigned int shapesOfALink) {
-    std::vector<unsigned int> slots{0};
-    slots.insert(slots.end(), links, shapesOfALink);
-    return std::vector<std::vector<unsigned int>>(manipulators, slots);
-  }
   unsigned int numberOfManipulators() const override { return static_cast<unsigned int>(shapes.size()); }
   unsigned int numberOfLinks(unsigned int manipulator) const override {
     return static_cast<unsigned int>(shapes.at(manipulator).size() - 1);
@@ -42,40 +37,36 @@ struct CountedSystem : ZuManipulatorSystem {
   }
   std::vector<Key> keys() const {
     std::vector<Key> all;
-    for (std::size_t m = 0; m < shapes.size(); ++m)
-      for (std::size_t slot = 0; slot < shapes[m].size(); ++slot)
-        for (unsigned int id = 0; id < shapes[m][slot]; ++id)
-          all.emplace_back(static_cast<int>(m), slot == 0 ? theReserved : static_cast<int>(slot) - 1,
-                           static_cast<int>(id));
+    for (int m = 0; m < static_cast<int>(shapes.size()); ++m) {
+      auto const& slots = shapes[static_cast<std::size_t>(m)];
+      for (std::size_t slot = 0; slot < slots.size(); ++slot)
+        for (unsigned int id = 0; id < slots[slot]; ++id)
+          all.emplace_back(m, slot == 0 ? theReserved : static_cast<int>(slot) - 1, static_cast<int>(id));
+    }
     return all;
-  }
-  bool has(Key const& key) const {
-    for (Key const& mine : keys())
-      if (mine == key) return true;
-    return false;
   }
 };
 
-/// The pair as a map can hold it, with the keys in order.
-using Pair = std::tuple<unsigned, unsigned, unsigned, unsigned, unsigned, unsigned>;
-Pair orderedPair(Key const& a, Key const& b) {
-  Key const& first = a.manipID() < b.manipID() ? b : a;
-  Key const& second = a.manipID() < b.manipID() ? a : b;
+/// Distances by the numbers of both keys, that of the greater manipulator first.
+using Model = std::map<std::tuple<unsigned, unsigned, unsigned, unsigned, unsigned, unsigned>, double>;
+Model::key_type orderedPair(Key const& a, Key const& b) {
+  auto const& [first, second] = a.manipID() < b.manipID() ? std::tie(b, a) : std::tie(a, b);
   return {first.manipID(), first.linkID(), first.shapeID(), second.manipID(), second.linkID(), second.shapeID()};
 }
 
-/// Every pair of the system has exactly the distance of the model, 0 where the model has none; counts the others.
-int compareWithModel(State& state, CountedSystem const& system, std::map<Pair, double> const& model) {
-  int stored = 0;
+/// Every pair of the system has exactly the distance of the model, 0 where the model has none; the rest of the model
+/// is dropped.
+void compareWithModel(State& state, CountedSystem const& system, Model& model) {
+  Model found;
   for (Key const& a : system.keys()) {
     for (Key const& b : system.keys()) {
       auto const entry = model.find(orderedPair(a, b));
       EXPECT_NE(state.getProximityData(a, b), nullptr);
       EXPECT_EQ(state.getDistance(a, b), entry == model.end() ? 0.0 : entry->second);
-      stored += entry != model.end();
+      if (entry != model.end()) found.insert(*entry);
     }
   }
-  return stored;
+  model = found;
 }
 
 /// Every field different from its default and from every other field of its type.
@@ -131,48 +122,33 @@ std::vector<double> contactNumbers(Data const& d) {
 }  // namespace
 
 TEST(CacheKey, IdsDefaultToNoneAndAllCountInEquality) {
-  Key const key(1, 2, 3);
-  EXPECT_EQ(key, Key::testObject());
-  EXPECT_TRUE(key.selfTest() && Key::nullObject().selfTest());
+  Key const key(1, 2, 3), none;
+  EXPECT_TRUE(key == Key::testObject() && key.selfTest() && Key::nullObject().selfTest());
   for (Key const& other : {Key(0, 2, 3), Key(1, 0, 3), Key(1, 2, 0), Key(ZuLinkStateCacheKey(1, 2))})
     EXPECT_NE(key, other);
-  Key const none;
-  EXPECT_EQ(none, Key::invalidKey());
-  EXPECT_EQ(none, Key::nullObject());
+  EXPECT_TRUE(none == Key::invalidKey() && none == Key::nullObject());
   EXPECT_EQ(none.manipID() & none.linkID() & none.shapeID(), 4294967295U);
-  Key const ofManipulator(ZuLinkStateCacheKey(ZuManipulatorStateCacheKey(7)));
-  EXPECT_EQ(ofManipulator, Key(7, -1, -1));
-  EXPECT_NE(ofManipulator, none);
-}
-
-TEST(ProximityDescriptor, NamesThePairAndTheSystem) {
+  EXPECT_EQ(Key(ZuLinkStateCacheKey(ZuManipulatorStateCacheKey(7))), Key(7, -1, -1));
   ZuShapeProximityDescriptor descriptor;
-  EXPECT_EQ(descriptor.key1(), Key::invalidKey());
-  descriptor.setKey1(Key(1, 2, 3));
+  EXPECT_TRUE(descriptor.key1() == none && descriptor.statedSystem() == nullptr);
+  descriptor.setKey1(key);
   descriptor.setKey2(Key(4, 5, 6));
-  EXPECT_EQ(descriptor, ZuShapeProximityDescriptor::testObject());
-  EXPECT_EQ(descriptor.statedSystem(), nullptr);
-  EXPECT_TRUE(descriptor.selfTest());
+  EXPECT_TRUE(descriptor == ZuShapeProximityDescriptor::testObject() && descriptor.selfTest());
 }
 
-TEST(ProximityData, EveryFieldIsStoredInItsOwnPlace) {
+TEST(ProximityData, EveryFieldIsStoredInItsOwnPlaceAndCopiedDeep) {
   Data const data = distinctData();
-  std::vector<double> const numbers = contactNumbers(data);
-  for (std::size_t i = 0; i < numbers.size(); ++i) EXPECT_EQ(numbers[i], static_cast<double>(i + 1));
+  std::vector<double> expected(15);
+  std::iota(expected.begin(), expected.end(), 1.0);
+  EXPECT_EQ(contactNumbers(data), expected);
   ZuVector w1, w2;
   data.getWitnessPoints(w1, w2);
-  EXPECT_EQ(std::make_tuple(data.distance(), data.proximityVector(), w1, w2),
-            std::make_tuple(1.0, ZuVector(0, 0, 1), ZuVector(0, 0, 2), ZuVector(0, 0, 3)));
-  EXPECT_EQ(std::make_tuple(data.witnessPointsUpdateTime(), data.updateTime(), data.distanceUpdateTime()),
-            std::make_tuple(4U, 5U, 6U));
+  EXPECT_EQ(std::make_tuple(data.distance(), data.proximityVector().z(), w1.z(), w2.z(), data.witnessPointsUpdateTime(),
+                            data.updateTime(), data.distanceUpdateTime()),
+            std::make_tuple(1.0, 1.0, 2.0, 3.0, 4U, 5U, 6U));
   EXPECT_TRUE(data.collisionOccurred() && data.firstCollisionOccurred() && data.proximitySense());
-  EXPECT_EQ(data.frictionMode(), Data::STATIC_FRICTION);
-  EXPECT_EQ(data.closestPoint1(), Data::LINE);
-  EXPECT_EQ(data.closestPoint2(), Data::FACET);
-}
-
-TEST(ProximityData, CopiesAreDeepAndEqualityIsByValue) {
-  Data const data = distinctData();
+  EXPECT_EQ(std::make_tuple(data.frictionMode(), data.closestPoint1(), data.closestPoint2()),
+            std::make_tuple(Data::STATIC_FRICTION, Data::LINE, Data::FACET));
   Data copy(data), assigned = Data::testObject();
   assigned = data;
   EXPECT_TRUE(copy == data && assigned == data && data.selfTest());
@@ -183,9 +159,13 @@ TEST(ProximityData, CopiesAreDeepAndEqualityIsByValue) {
   EXPECT_FALSE(assigned.hasContactData());
   assigned.setLineOfAction({});
   EXPECT_TRUE(assigned.hasContactData() && assigned == Data()) << "contact data of initial values";
+  copy = data;
+  copy.startContact();
+  EXPECT_EQ(contactNumbers(copy), (std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 11, 12, 0, 0, 0})) << "at rest";
+  EXPECT_EQ(copy.frictionMode(), 2);
 }
 
-TEST(ProximityData, APairThatNeverTouchedAllocatesNothing) {
+TEST(ProximityData, APairThatNeverTouchedAllocatesNothingAndItsRecordIsSmall) {
   contactNumbers(Data());  // whatever is made once per process is made here
   AllocationCounter const counter;
   Data data;
@@ -194,19 +174,21 @@ TEST(ProximityData, APairThatNeverTouchedAllocatesNothing) {
   data.setFrictionMode(Data::NO_FRICTION);
   data.resetPenetrationPointBuffers();
   data.setDynamicSimulationDataFromLast(Data());
-  EXPECT_EQ(data.lineOfAction(), ZuVector());
-  EXPECT_EQ(data.velocityPrimaryObject1(), Motion::nullObject());
-  EXPECT_EQ(data.numPenetrationPoints(), 0U);
-  EXPECT_EQ(data.penetrationPointPrimary(2, 0), nullptr);
+  EXPECT_TRUE(data.lineOfAction() == ZuVector() && data.velocityPrimaryObject1() == Motion::nullObject());
+  EXPECT_TRUE(data.numPenetrationPoints() == 0U && data.penetrationPointPrimary(2, 0) == nullptr);
   EXPECT_EQ(counter.count(), 0U);
-}
-
-TEST(ProximityData, ANewContactStartsAtRestWithoutPoints) {
-  Data data = distinctData();
-  data.startContact();
-  std::vector<double> expected{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 11, 12, 0, 0, 0};
-  EXPECT_EQ(contactNumbers(data), expected);
-  EXPECT_EQ(data.frictionMode(), 2);
+  struct {
+    unsigned int manipulators, links, shapesOfALink;
+  } const cases[] = {{10, 10, 1}, {10, 10, 10}, {2, 7, 7}, {100, 1, 1}};
+  for (auto const& c : cases) {
+    double const shapes = c.manipulators * c.links * c.shapesOfALink;
+    std::vector<unsigned int> const slots(c.links, c.shapesOfALink);
+    CountedSystem const system(std::vector<std::vector<unsigned int>>(c.manipulators, slots));
+    AllocationCounter const ofSystem;
+    State state;
+    ASSERT_TRUE(state.resizeDatabaseToSystem(system));
+    EXPECT_LE(static_cast<double>(ofSystem.bytes()) / (shapes * (shapes - 1.0) / 2.0), 400.0) << shapes;
+  }
 }
 
 TEST(ProximityData, TheStepBeforeIsTakenOverStraightOrExchanged) {
@@ -221,8 +203,7 @@ TEST(ProximityData, TheStepBeforeIsTakenOverStraightOrExchanged) {
   EXPECT_EQ(contactNumbers(exchanged), (Numbers{0, 0, 0, 5, 4, 0, 10, 9, 0, 0, 12, 11, 15, 0, 13}));
   EXPECT_EQ(contactNumbers(copied), (Numbers{1, 2, 3, 5, 4, 6, 10, 9, 9, 10, 12, 11, 15, 0, 13}));
   EXPECT_EQ(itself, copied);
-  EXPECT_EQ(straight.frictionMode(), Data::STATIC_FRICTION);
-  EXPECT_EQ(exchanged.frictionMode(), Data::STATIC_FRICTION);
+  EXPECT_TRUE(straight.frictionMode() == Data::STATIC_FRICTION && exchanged.frictionMode() == Data::STATIC_FRICTION);
   // The indices go with their rings.
   exchanged.insertPenetrationPointShape1Primary({16, 0, 0});
   EXPECT_EQ(exchanged.getPenetrationPointShape1Primary(2)->x(), 14.0);
@@ -234,25 +215,19 @@ TEST(ProximityData, TheStepBeforeIsTakenOverStraightOrExchanged) {
 
 TEST(ProximityData, TheRingKeepsTheLastFortyPoints) {
   Data data;
-  std::deque<double> model;
   for (int i = 0; i < 130; ++i) {
+    unsigned int const before = static_cast<unsigned int>(std::min(i, 40)), count = std::min(before + 1, 40U);
     data.insertPenetrationPointShape1Primary({static_cast<double>(i), 0, 0});
-    EXPECT_EQ(data.numPenetrationPoints(), model.size()) << "the points of both shapes count";
+    EXPECT_EQ(data.numPenetrationPoints(), before) << "the points of both shapes count";
     data.insertPenetrationPointShape2Primary({0, static_cast<double>(i), 0});
-    model.push_front(i);
-    if (model.size() > 40) model.pop_back();
-    EXPECT_EQ(data.numPenetrationPoints(), model.size());
-    for (unsigned int k = 0; k < model.size(); ++k) {
-      EXPECT_EQ(*data.penetrationPointPrimary(1, k), ZuVector(model[k], 0, 0));
-      EXPECT_EQ(*data.getPenetrationPointShape2Primary(k), ZuVector(0, model[k], 0));
+    EXPECT_EQ(data.numPenetrationPoints(), count);
+    for (unsigned int k = 0; k < count; ++k) {
+      EXPECT_EQ(*data.penetrationPointPrimary(1, k), ZuVector(i - static_cast<int>(k), 0, 0));
+      EXPECT_EQ(*data.getPenetrationPointShape2Primary(k), ZuVector(0, i - static_cast<int>(k), 0));
     }
-    if (model.size() < 40) {
-      EXPECT_EQ(data.getPenetrationPointShape1Primary(static_cast<unsigned int>(model.size())), nullptr);
-      EXPECT_EQ(data.getPenetrationPointShape1Primary(4294967295U), nullptr);
-    } else {
-      EXPECT_EQ(data.getPenetrationPointShape1Primary(40), data.getPenetrationPointShape1Primary(0));
-      EXPECT_NE(data.getPenetrationPointShape1Primary(4294967295U), nullptr);
-    }
+    EXPECT_EQ(data.getPenetrationPointShape1Primary(count),
+              count < 40 ? nullptr : data.getPenetrationPointShape1Primary(0));
+    EXPECT_EQ(data.getPenetrationPointShape1Primary(4294967295U) == nullptr, count < 40);
   }
   PrintSink const sink;
   EXPECT_EQ(data.penetrationPointPrimary(0, 0), nullptr);
@@ -267,9 +242,8 @@ TEST(ProximityState, HoldsOneRecordForEachPairThroughGrowingAndShrinking) {
   RandomValues random(431);
   SCOPED_TRACE(random.trace());
   State state;
-  std::map<Pair, double> model;
-  CountedSystem system({{1, 2}});
-  int stored = 0;
+  Model model;
+  std::size_t kept = 0;
   for (int step = 0; step < 25; ++step) {
     CountedSystem next(std::vector<std::vector<unsigned int>>(random.index(4) + (step > 0 ? 0 : 1)));
     for (auto& slots : next.shapes) {
@@ -277,47 +251,30 @@ TEST(ProximityState, HoldsOneRecordForEachPairThroughGrowingAndShrinking) {
       for (unsigned int& count : slots) count = random.index(3);
     }
     ASSERT_TRUE(state.resizeDatabaseToSystem(next));
-    for (auto entry = model.begin(); entry != model.end();) {
-      auto const [m1, l1, s1, m2, l2, s2] = entry->first;
-      auto const keyOf = [](unsigned m, unsigned l, unsigned s) {
-        return Key(static_cast<int>(m), static_cast<int>(l), static_cast<int>(s));
-      };
-      entry = next.has(keyOf(m1, l1, s1)) && next.has(keyOf(m2, l2, s2)) ? std::next(entry) : model.erase(entry);
-    }
-    stored += compareWithModel(state, next, model);
+    compareWithModel(state, next, model);
+    kept += model.size();
     for (Key const& a : next.keys()) {
-      for (Key const& b : next.keys()) {
-        double const distance = random.real();
-        EXPECT_TRUE(state.setDistance(a, b, distance));
-        model[orderedPair(a, b)] = distance;
-      }
+      for (Key const& b : next.keys()) EXPECT_TRUE(state.setDistance(a, b, model[orderedPair(a, b)] = random.real()));
       for (Key const& beyond : {Key(a.manipID(), a.linkID(), 9), Key(a.manipID(), 9, 0), Key(9, 0, 0),
-                                Key(a.manipID(), -1, 0), Key(a.manipID(), a.linkID(), -1), Key::invalidKey()}) {
-        EXPECT_EQ(state.getProximityData(a, beyond), nullptr);
-        EXPECT_EQ(state.getProximityData(beyond, a), nullptr);
-      }
+                                Key(a.manipID(), -1, 0), Key(a.manipID(), a.linkID(), -1), Key::invalidKey()})
+        EXPECT_TRUE(!state.getProximityData(a, beyond) && !state.getProximityData(beyond, a));
     }
     compareWithModel(state, next, model);
   }
-  EXPECT_GT(stored, 50) << "records have been kept";
+  EXPECT_GT(kept, 25U) << "records have been kept";
 }
 
-TEST(ProximityState, OnlyPairsOfDifferentManipulatorsShareARecord) {
+TEST(ProximityState, PairsOfDifferentManipulatorsAreStoredInOneOrder) {
   State state;
-  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem::uniform(2, 2, 2)));
-  Key const a(0, 0, 1), b(1, 1, 0), c(1, 0, 0);
-  EXPECT_EQ(state.getData(a, b), state.getData(b, a));
-  EXPECT_NE(state.getData(b, c), state.getData(c, b));
+  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem({{0, 2, 2}, {0, 2, 2}})));
+  Key const a(0, 0, 1), b(1, 1, 0);
   Key first(a), second(b);
-  EXPECT_TRUE(state.makeKeysCompatible(first, second));
-  EXPECT_EQ(first, b);
-  EXPECT_EQ(second, a);
-  EXPECT_TRUE(state.makeKeysCompatible(first, second));
-  EXPECT_EQ(first, b);
+  for (int time = 0; time < 2; ++time)
+    EXPECT_TRUE(state.makeKeysCompatible(first, second) && first == b && second == a) << time;
   struct Unordered : State {
     bool makeKeysCompatible(Key&, Key&) const override { return true; }
   } unordered;
-  ASSERT_TRUE(unordered.resizeDatabaseToSystem(CountedSystem::uniform(2, 2, 2)));
+  ASSERT_TRUE(unordered.resizeDatabaseToSystem(CountedSystem({{0, 2, 2}, {0, 2, 2}})));
   EXPECT_NE(unordered.getData(b, a), nullptr);
   EXPECT_EQ(unordered.getData(a, b), nullptr) << "a pair in the order that is not stored";
 }
@@ -327,8 +284,7 @@ TEST(ProximityState, AllocatingOperationsGrowAndGiveUpNothing) {
   CountedSystem const arm({{0, 1, 1}}), scene({{1}, {0, 3}});
   Key const base(0, theReserved, 0), link(0, 1, 0), other(1, 0, 2);
   EXPECT_FALSE(state.isInitialized());
-  EXPECT_TRUE(state.allocateAndSetProximityDistance(link, link, arm, 5.0));
-  EXPECT_TRUE(state.isInitialized());
+  EXPECT_TRUE(state.allocateAndSetProximityDistance(link, link, arm, 5.0) && state.isInitialized());
   EXPECT_TRUE(state.allocateAndSetProximityVector(base, other, scene, {1, 2, 3}));
   EXPECT_EQ(state.getDistance(link, link), 5.0) << "a link that only the first system has";
   EXPECT_EQ(state.allocateAndGetProximityVector(other, base, scene), ZuVector(1, 2, 3));
@@ -345,7 +301,7 @@ TEST(ProximityState, AllocatingOperationsGrowAndGiveUpNothing) {
 
 TEST(ProximityState, ResultsAreCurrentUntilTheTimeMovesOn) {
   State state;
-  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem::uniform(2, 1, 1)));
+  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem({{0, 1}, {0, 1}})));
   Key const a(1, 0, 0), b(0, 0, 0);
   auto const validity = [&] {
     return std::make_tuple(state.isValid(a, b), state.isDistanceValid(a, b), state.areWitnessPointsValid(a, b));
@@ -358,8 +314,7 @@ TEST(ProximityState, ResultsAreCurrentUntilTheTimeMovesOn) {
   state.setValid(a, b);
   EXPECT_EQ(validity(), std::make_tuple(true, true, true));
   state.invalidateAll();
-  EXPECT_EQ(state.updateTime(), 1U);
-  EXPECT_EQ(validity(), std::make_tuple(false, false, false));
+  EXPECT_TRUE(state.updateTime() == 1U && validity() == std::make_tuple(false, false, false));
   state.setValid(a, b);
   EXPECT_EQ(validity(), std::make_tuple(true, true, false));
   state.setUpdateTime(77);
@@ -370,7 +325,7 @@ TEST(ProximityState, ResultsAreCurrentUntilTheTimeMovesOn) {
 TEST(ProximityState, OperationsReachTheRecordAndWithoutOneDoNothing) {
   Key const a(0, 0, 0), b(0, 0, 1);
   State built, missing;
-  ASSERT_TRUE(built.resizeDatabaseToSystem(CountedSystem::uniform(1, 1, 2)));
+  ASSERT_TRUE(built.resizeDatabaseToSystem(CountedSystem({{0, 2}})));
   missing.setIsInitialized(true);
   EXPECT_TRUE(missing.isInitialized());
   for (State* state : {&built, &missing}) {
@@ -389,8 +344,7 @@ TEST(ProximityState, OperationsReachTheRecordAndWithoutOneDoNothing) {
               std::make_tuple(has ? 1.0 : 0.0, has ? 1.0 : 0.0, has ? 4.0 : 0.0, has ? 5.0 : 0.0, has));
     Data const& record = state->datum(a, b);
     EXPECT_EQ(record.frictionMode(), has ? Data::NEW_CONTACT : Data::NO_FRICTION);
-    EXPECT_EQ(contactNumbers(record)[12], has ? 2.0 : 0.0);
-    EXPECT_EQ(contactNumbers(record)[14], has ? 3.0 : 0.0);
+    EXPECT_TRUE(contactNumbers(record)[12] == (has ? 2.0 : 0.0) && contactNumbers(record)[14] == (has ? 3.0 : 0.0));
     State const copy(*state);
     EXPECT_TRUE(copy == *state && state->selfTest());
     state->resetPenetrationPointBuffers(a, b);
@@ -414,24 +368,5 @@ TEST(ProximityState, ASystemTooLargeToHoldIsRefusedAndChangesNothing) {
     ASSERT_EQ(sink.take(),
               std::vector<std::string>{"ZuBaseShapeDataCache::fitTo-->no memory for the pairs of 1 manipulators"});
     EXPECT_EQ(state.getDistance({0, 0, 0}, {0, 0, 0}), 3.0);
-  }
-}
-
-TEST(ProximityState, APairThatNeverTouchedTakesAtMost400Bytes) {
-  struct Case {
-    unsigned int manipulators, links, shapesOfALink;
-  } const cases[] = {{10, 10, 1}, {10, 10, 10}, {2, 7, 7}, {100, 1, 1}};
-  for (Case const& c : cases) {
-    CountedSystem const system = CountedSystem::uniform(c.manipulators, c.links, c.shapesOfALink);
-    double const shapes = c.manipulators * c.links * c.shapesOfALink;
-    double const pairs = shapes * (shapes - 1.0) / 2.0;
-    AllocationCounter const counter;
-    State state;
-    ASSERT_TRUE(state.resizeDatabaseToSystem(system));
-    double const bytesPerPair = static_cast<double>(counter.bytes()) / pairs;
-    std::string const name =
-        std::to_string(c.manipulators) + 'x' + std::to_string(c.links) + 'x' + std::to_string(c.shapesOfALink);
-    RecordProperty("bytes_per_pair_" + name, std::to_string(bytesPerPair));
-    EXPECT_LE(bytesPerPair, 400.0) << name;
   }
 }

@@ -1,4 +1,4 @@
-// The flat figures: rectangles and discs, alone and against the plane.
+// The flat figures: rectangles and discs.
 #include "geometry/zuRectangle.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,6 @@
 #include "geometry/zuCircle.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuLineSegment.h"
-#include "geometry/zuPlane.h"
 #include "tests/minimumNorm.h"
 #include "tests/printSink.h"
 #include "tests/randomValues.h"
@@ -33,18 +32,6 @@ ZuLineSegment randomSegment(RandomValues& random) {
   return ZuLineSegment(end, random.index(8) == 0 ? end : random.vector(1.5));
 }
 
-/// Points on the rim, for comparison from outside and inside with the disc.
-std::vector<ZuVector> rimOf(ZuCircle const& circle, unsigned int count) {
-  ZuVector const e0 = (circle.closestPointOnRim(circle.center() + ZuVector(1, 2, 3)) - circle.center()).unitVector();
-  ZuVector const e1 = circle.normal().cross(e0);
-  std::vector<ZuVector> rim;
-  for (unsigned int i = 0; i < count; ++i) {
-    double const angle = 2.0 * M_PI * i / count;
-    rim.push_back(circle.center() + (e0 * std::cos(angle) + e1 * std::sin(angle)) * circle.radius());
-  }
-  return rim;
-}
-
 }  // namespace
 
 TEST(Rectangle, DistancesAreThoseOfTheHullOfTheCorners) {
@@ -52,10 +39,9 @@ TEST(Rectangle, DistancesAreThoseOfTheHullOfTheCorners) {
   SCOPED_TRACE(random.trace());
   int crossing = 0;
   for (int i = 0; i < 400; ++i) {
-    ZuRectangle const r = randomRectangle(random);
+    ZuRectangle const r = randomRectangle(random), other = randomRectangle(random);
     ZuLineSegment const s = randomSegment(random);
     ZuGeomTriangle const t(random.vector(1.5), random.vector(1.5), random.vector(1.5));
-    ZuRectangle const other = randomRectangle(random);
     ZuVector const p = random.vector(2.0);
     EXPECT_NEAR(r.distanceTo(p), MinimumNorm::distance(cornersOf(r), {p}), 1e-14);
     EXPECT_NEAR(r.distanceTo(t), MinimumNorm::distance(cornersOf(r), {t.point(0), t.point(1), t.point(2)}), 1e-14);
@@ -65,19 +51,15 @@ TEST(Rectangle, DistancesAreThoseOfTheHullOfTheCorners) {
     EXPECT_NEAR(d, MinimumNorm::distance(cornersOf(r), endsOf(s)), 1e-14);
     EXPECT_EQ(d, r.distanceTo(s));
     EXPECT_NEAR(onRectangle.distanceTo(onSegment), d, 1e-15);
-    EXPECT_NEAR(r.distanceTo(onRectangle), 0.0, 1e-15);
-    EXPECT_NEAR(s.distanceTo(onSegment), 0.0, 1e-15);
+    EXPECT_NEAR(std::max(r.distanceTo(onRectangle), s.distanceTo(onSegment)), 0.0, 1e-15);
     crossing += d == 0.0;
   }
-  EXPECT_GT(crossing, 20);
-  EXPECT_LT(crossing, 380);
+  EXPECT_TRUE(crossing > 20 && crossing < 380) << crossing;
 }
 
 TEST(Rectangle, CornersRunCounterClockwiseAboutTheNormal) {
   ZuRectangle const r({1, 2, 3}, {2, 0, 0}, {5, 1, 0});
-  EXPECT_EQ(r.halfEdge(1), ZuVector(0, 1, 0));
-  EXPECT_EQ(r.normal(), ZuVector(0, 0, 1));
-  EXPECT_EQ(r.area(), 8.0);
+  EXPECT_TRUE(r.halfEdge(1) == ZuVector(0, 1, 0) && r.normal() == ZuVector(0, 0, 1) && r.area() == 8.0);
   ZuVector const expected[] = {{3, 3, 3}, {-1, 3, 3}, {-1, 1, 3}, {3, 1, 3}};
   for (unsigned int i = 0; i < 4; ++i) {
     EXPECT_EQ(r.corner(i), expected[i]);
@@ -86,9 +68,7 @@ TEST(Rectangle, CornersRunCounterClockwiseAboutTheNormal) {
   ZuCoordinateSystemTransformation const x = ZuCoordinateSystemTransformation::testObject();
   EXPECT_TRUE((x * r).corner(1).approxEq(x * expected[1], 1e-14));
   PrintSink sink;
-  EXPECT_EQ(r.corner(4), expected[0]);
-  EXPECT_EQ(r.halfEdge(2), r.halfEdge(1));
-  EXPECT_EQ(r.side(7), r.side(0));
+  EXPECT_TRUE(r.corner(4) == expected[0] && r.halfEdge(2) == r.halfEdge(1) && r.side(7) == r.side(0));
   EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuRectangle::corner-->index 4 out of range",
                                                    "ZuRectangle::halfEdge-->index 2 out of range",
                                                    "ZuRectangle::side-->index 7 out of range"}));
@@ -130,8 +110,7 @@ TEST(Circle, DistanceToASegmentIsLeastAtItsParameter) {
     double const d = c.distanceTo(s, t, closest);
     ASSERT_TRUE(t >= 0.0 && t <= 1.0);
     ZuVector const p = s.endpoint0() + t * s.delta();
-    EXPECT_NEAR(closest.distanceTo(p), d, 1e-15);
-    EXPECT_NEAR(c.distanceTo(closest), 0.0, 1e-15);
+    EXPECT_NEAR(std::abs(closest.distanceTo(p) - d) + c.distanceTo(closest), 0.0, 2e-15);
     crossing += d == 0.0;
     inner += d > 0.0 && t > 0.0 && t < 1.0;
     // Convex along the segment: no better than either neighbour, so no better than any.
@@ -154,50 +133,4 @@ TEST(Circle, ANormalWithoutDirectionIsRefused) {
   EXPECT_TRUE(read.normal().approxEq({0, 0.6, 0.8}, 1e-15));
   ASSERT_TRUE(read.readFromBuffer("<c><normal>0 0 0</normal></c>"));
   EXPECT_EQ(read.normal(), ZuVector(0, 0, 1));
-}
-
-TEST(Plane, FlatFiguresAreSeenByTheRuleOfSegments) {
-  ZuPlane const plane({1, 0, 0}, {2, 0, 0});
-  struct {
-    char const* what;
-    double x0, x1, x2, distance;
-  } const theCases[] = {{"above: the nearest corner", 5, 3, 4, 2},
-                        {"below: the farthest corner", -1, -4, 0, -5},
-                        {"crossing", -1, 3, 2, 0},
-                        {"one corner on it", 1, 2, 4, 0},
-                        {"one side on it, from below", 1, 1, -4, 0},
-                        {"in the plane", 1, 1, 1, 0}};
-  for (auto const& c : theCases) {
-    ZuGeomTriangle const triangle({c.x0, 7, 0}, {c.x1, 2, 3}, {c.x2, 0, 5});
-    EXPECT_EQ(plane.distanceTo(triangle), c.distance) << c.what;
-    EXPECT_EQ(plane.checkIntersect(triangle), c.distance == 0.0) << c.what;
-  }
-  EXPECT_EQ(plane.distanceTo(ZuRectangle({4, 1, 2}, {1, 0, 0}, {0, 3, 0})), 2.0);
-  EXPECT_EQ(plane.distanceTo(ZuRectangle({-4, 1, 2}, {1, 0, 0}, {0, 3, 0})), -6.0);
-  EXPECT_EQ(plane.distanceTo(ZuRectangle({2, 1, 2}, {1, 0, 0}, {0, 3, 0})), 0.0);
-}
-
-TEST(Plane, DiscsAreSeenByTheRuleOfSegmentsWithAClosestPairOfPoints) {
-  RandomValues random(64);
-  SCOPED_TRACE(random.trace());
-  int sides[3] = {0, 0, 0};
-  for (int i = 0; i < 1000; ++i) {
-    ZuPlane const plane(random.vector(), random.direction());
-    ZuVector const normal = i % 8 == 0 ? plane.normal() : random.direction();
-    ZuCircle const c(random.vector(), normal, random.real(0.0, 1.0));
-    ZuVector onPlane, onCircle;
-    double const d = plane.distanceTo(c, onPlane, onCircle);
-    double least = 1e300, most = -1e300;
-    for (ZuVector const& p : rimOf(c, 720)) {
-      least = std::min(least, plane.distanceTo(p));
-      most = std::max(most, plane.distanceTo(p));
-    }
-    double const error = 1e-5 * c.radius() + 1e-15;  // the rim between two of its points
-    EXPECT_NEAR(d, least > error || most < -error ? least : 0.0, error);
-    EXPECT_NEAR(plane.distanceTo(onPlane), 0.0, 1e-15);
-    EXPECT_NEAR(c.distanceTo(onCircle), 0.0, 1e-14);
-    EXPECT_NEAR(onPlane.distanceTo(onCircle), d > 0.0 ? d : d < 0.0 ? -most : 0.0, error);
-    ++sides[d > 0.0 ? 0 : d < 0.0 ? 1 : 2];
-  }
-  for (int const count : sides) EXPECT_GT(count, 200);
 }
