@@ -30,7 +30,7 @@ class Misled : public ZuTriPhysicalExtent {
   }
 };
 
-std::string const theTooMany = "ZuBasePhysicalExtent::findLineAndNeighbors more than 2 facets neighbors beside a line.";
+std::string const theClass = "ZuBasePhysicalExtent::";
 
 }  // namespace
 
@@ -59,8 +59,8 @@ TEST(MeshStructure, AnEdgeThatAFacetHasTwiceIsOnePairAndAnEdgeOfNoLengthIsNone) 
   EXPECT_EQ(mesh.lineAndNeighborsVector().size(), 3U);
   PrintSink sink;
   mesh.findFacetNeighborLinesVector();
-  EXPECT_EQ(sink.take(), Messages{"ZuBasePhysicalExtent::findFacetNeighborLinesVector line number wrong. "
-                                  "numLines (3) numPoints (9)\n"});
+  EXPECT_EQ(sink.take(),
+            Messages{theClass + "findFacetNeighborLinesVector line number wrong. numLines (3) numPoints (9)\n"});
   EXPECT_EQ(items(mesh.facetNeighborLinesVector()[0][0]), (Indices{0, 1}));
 }
 
@@ -70,13 +70,11 @@ TEST(MeshStructure, ListsThatDoNotFitThePointsAreToldAndLeaveTheStructureUnfinis
   mesh.hidesNeighbors = true;
   PrintSink sink;
   mesh.findVertexNeighborLines();
-  EXPECT_EQ(sink.take(), Messages{"ZuBasePhysicalExtent::findVertexNeighborLines "
-                                  "m_VertexNeighborVerticesVector size mismatch"});
+  EXPECT_EQ(sink.take(), Messages{theClass + "findVertexNeighborLines m_VertexNeighborVerticesVector size mismatch"});
   EXPECT_TRUE(mesh.vertexNeighborLinesVector().empty());
   mesh.resetNeighborFlags();
   mesh.findLineAndNeighbors();
-  EXPECT_EQ(sink.take(), Messages{"ZuBasePhysicalExtent::findLineAndNeighbors "
-                                  "m_VertexNeighborVerticesVector size mismatch"});
+  EXPECT_EQ(sink.take(), Messages{theClass + "findLineAndNeighbors m_VertexNeighborVerticesVector size mismatch"});
   for (unsigned int const neighbor : {1U, 7U, 0U}) {
     mesh.neighbors.beginList();
     if (neighbor != 0) mesh.neighbors.pushBack(neighbor);
@@ -142,7 +140,8 @@ TEST(MeshStructure, RealMeshesHaveTheNeighboursThatSetsSay) {
     for (std::size_t facet = 0; facet < loops.size(); ++facet) {
       ASSERT_EQ(mesh.facetNeighborLinesVector()[0][facet].size(), loops[facet].size());
     }
-    EXPECT_EQ(sink.take(), Messages(branching, theTooMany));
+    EXPECT_EQ(sink.take(),
+              Messages(branching, theClass + "findLineAndNeighbors more than 2 facets neighbors beside a line."));
     branchings += branching;
   }
   EXPECT_EQ(branchings, 25U);

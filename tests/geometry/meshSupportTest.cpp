@@ -1,7 +1,6 @@
 // Support points of meshes: the climb, its ties and messages, and the scan.
 #include <gtest/gtest.h>
 
-#include "geometry/zuLineSegment.h"
 #include "tests/allocationCounter.h"
 #include "tests/meshSamples.h"
 #include "tests/printSink.h"
@@ -68,8 +67,8 @@ TEST(MeshSupport, WithoutNeighboursAConvexMeshSaysSoAndStaysAtPointZero) {
   }
 }
 
-// From corner 0 of the cube the top is two steps away; of the two neighbours with equal products the last one that a
-// facet names is taken, and among the four corners of the top the climb goes on until all neighbours are visited.
+// From the lowest corner of an octahedron all four neighbours are equally high; the last one that a facet names is
+// taken.
 TEST(MeshSupport, ClimbTakesTheLastOfEqualNeighboursAndMovesOnAlongTies) {
   ZuTriPhysicalExtent mesh = meshOf<ZuTriPhysicalExtent>(
       {{0, 0, -1}, {1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}, {0, 0, 1}},
@@ -150,6 +149,7 @@ TEST(MeshSupport, FacetsWithVerticesOfTheirOwnAreScannedForTheEngineAndNothingAl
   for (int i = 0; i < 100; ++i) {
     ZuVector const direction = random.direction();
     hull.supportPoint(direction);
+    hull.computeSupportPoint(direction);
     EXPECT_EQ(soup.computeSupportPoint(direction).dot(direction), highest(hull.points(), direction));
   }
   EXPECT_EQ(counter.count(), 0U);
