@@ -94,9 +94,7 @@ void checkOverlap(Body const& a, Body const& b, oracle::Points const& pointsA, o
   if (distance > 0.0 || a.edges.empty() || b.edges.empty()) return;
   oracle::Points normals = turned(a.normals, T1);
   for (oracle::Vector const& n : turned(b.normals, T2)) normals.push_back(n);
-  oracle::Vector direction;
-  auto const depth = static_cast<double>(
-      oracle::depth(pointsA, pointsB, normals, turned(a.edges, T1), turned(b.edges, T2), direction));
+  double const depth = oracle::depth(pointsA, pointsB, normals, turned(a.edges, T1), turned(b.edges, T2));
   ++tally.depthsChecked;
   double const error = std::abs(depth + distance);
   tally.depthsOff += error > theLimit ? 1 : 0;
@@ -113,7 +111,7 @@ Tally compare(std::vector<Body> const& bodies, int pairs, int depths, std::uint6
     Pose const T1(ZuVector(), r.orientation()), T2(r.direction() * r.real(0.0, 3.0), r.orientation());
     oracle::Points const pointsA = oracle::placed(a.shape.vertices(), T1);
     oracle::Points const pointsB = oracle::placed(b.shape.vertices(), T2);
-    auto const truth = static_cast<double>(oracle::length(oracle::nearestPoint(pointsA, pointsB).point));
+    double const truth = oracle::distance(pointsA, pointsB);
     ZuVector separation;
     double const distance = query(engine, a, b, T1, T2, separation);
     if (truth > theGraze) {

@@ -54,11 +54,6 @@ inline Vector const& farthest(Points const& points, Vector const& direction) {
   return *best;
 }
 
-/// The least value of d . (a - b), over unit d, that the difference set lies below: the support function.
-inline Real supportValue(Points const& a, Points const& b, Vector const& d) {
-  return dot(farthest(a, d), d) - dot(farthest(b, d * -1.0L), d);
-}
-
 /// The point nearest to the origin of the plane, line or point through the first n points; false when a weight is
 /// negative or the points are dependent. Gauss-Jordan on the normal equations of the edges.
 inline bool nearestOfFace(Vector const* face, int n, Vector& nearest) {
@@ -90,60 +85,53 @@ inline bool nearestOfFace(Vector const* face, int n, Vector& nearest) {
   return rest >= 0.0L;
 }
 
-struct Nearest {
-  Vector point{};    ///< of a - b, nearest to the origin; zero within rounding when they overlap
-  Real lower = 0.0;  ///< proven lower bound of the distance
-};
+/// The point of the hull of a few points nearest to the origin, by trying all faces; leaves the points of its face.
+inline Vector nearestByTrial(Points& points) {
+  Vector nearest{}, candidate;
+  Real best = std::numeric_limits<Real>::infinity();
+  Points bestFace;
+  for (unsigned int set = 1; set < 1U << points.size(); ++set) {
+    if (__builtin_popcount(set) > 4) continue;
+    Points face;
+    for (unsigned int i = 0; i < points.size(); ++i) {
+      if ((set >> i & 1U) != 0) face.push_back(points[i]);
+    }
+    if (!nearestOfFace(face.data(), static_cast<int>(face.size()), candidate)) continue;
+    if (!(dot(candidate, candidate) < best)) continue;
+    best = dot(candidate, candidate);
+    nearest = candidate;
+    bestFace = face;
+  }
+  points = bestFace;
+  return nearest;
+}
 
-/// The point of the difference of two point sets' hulls nearest to the origin: the minimum-norm point of P. Wolfe,
+/// The distance of two point sets' hulls, zero within rounding when they overlap: the minimum-norm point of P. Wolfe,
 /// "Finding the nearest point in a polytope" (1976), with the best face of the kept points found by trying them all.
-inline Nearest nearestPoint(Points const& a, Points const& b) {
-  Nearest result;
+inline double distance(Points const& a, Points const& b) {
   Vector v = a[0] - b[0];
-  std::vector<Vector> kept{v};
+  Points kept{v};
   for (;;) {
     Real const now = dot(v, v);
     Vector const w = farthest(a, v * -1.0L) - farthest(b, v);
-    if (now > 0.0L) result.lower = std::max(result.lower, dot(v, w) / std::sqrt(now));
-    result.point = v;
-    if (now - dot(v, w) <= 1e-18L * now || now == 0.0L) return result;
+    if (now - dot(v, w) <= 1e-18L * now) return static_cast<double>(std::sqrt(now));
     kept.push_back(w);
-    Real best = now;
-    std::vector<Vector> bestFace = kept;
-    for (unsigned int set = 1; set < 1U << kept.size(); ++set) {
-      std::vector<Vector> face;
-      for (unsigned int i = 0; i < kept.size(); ++i) {
-        if ((set >> i & 1U) != 0) face.push_back(kept[i]);
-      }
-      Vector candidate;
-      if (face.size() > 4 || !nearestOfFace(face.data(), static_cast<int>(face.size()), candidate)) continue;
-      if (dot(candidate, candidate) < best) {
-        best = dot(candidate, candidate);
-        v = candidate;
-        bestFace = face;
-      }
-    }
-    if (!(best < now)) return result;
-    kept = bestFace;
+    v = nearestByTrial(kept);
+    if (!(dot(v, v) < now)) return static_cast<double>(std::sqrt(now));
   }
 }
 
-/// The depth of two overlapping polytopes: the least support value of the difference set over the normals of its
-/// facets, which are those of the facets of the two and the products of their edges. Any further directions do no
-/// harm, so `normals` and `edges` may be more than those of the hulls. Not above 0: they do not overlap.
-inline Real depth(Points const& a, Points const& b, Points const& normals, Points const& edgesA, Points const& edgesB,
-                  Vector& direction) {
+/// The depth of two overlapping polytopes: the least extent of the difference set along the normals of its facets,
+/// which are those of the facets of the two and the products of their edges. Any further directions do no harm, so
+/// `normals` and `edges` may be more than those of the hulls. Not above 0: they do not overlap.
+inline double depth(Points const& a, Points const& b, Points const& normals, Points const& edgesA,
+                    Points const& edgesB) {
   Real least = std::numeric_limits<Real>::infinity();
-  auto const tryBoth = [&](Vector const& d) {
-    Real const size = length(d);
-    if (size == 0.0L) return;
-    for (Real const sign : {1.0L, -1.0L}) {
-      Real const h = supportValue(a, b, d * (sign / size));
-      if (h < least) {
-        least = h;
-        direction = d * (sign / size);
-      }
-    }
+  auto const tryBoth = [&](Vector const& direction) {
+    if (length(direction) == 0.0L) return;
+    Vector const d = direction * (1.0L / length(direction)), back = d * -1.0L;
+    least = std::min({least, dot(farthest(a, d), d) - dot(farthest(b, back), d),
+                      dot(farthest(a, back), back) - dot(farthest(b, d), back)});
   };
   for (Vector const& n : normals) tryBoth(n);
   for (Vector const& ea : edgesA) {
@@ -153,27 +141,21 @@ inline Real depth(Points const& a, Points const& b, Points const& normals, Point
       if (dot(d, d) > 1e-26L * dot(ea, ea) * dot(eb, eb)) tryBoth(d);
     }
   }
-  return least;
+  return static_cast<double>(least);
 }
 
-/// All edges and facet normals that the hull of the points can have, and more: for few points.
-inline void allEdgesAndNormals(Points const& points, Points& edges, Points& normals) {
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    for (std::size_t j = i + 1; j < points.size(); ++j) {
-      edges.push_back(points[j] - points[i]);
-      for (std::size_t k = j + 1; k < points.size(); ++k) {
-        normals.push_back(cross(points[j] - points[i], points[k] - points[i]));
+/// depth() for few points, from all edges and facet normals that their hulls can have, and more.
+inline double depth(Points const& a, Points const& b) {
+  Points edges[2], normals;
+  for (Points const* points : {&a, &b}) {
+    for (auto p = points->begin(); p != points->end(); ++p) {
+      for (auto q = p + 1; q != points->end(); ++q) {
+        edges[points == &b].push_back(*q - *p);
+        for (auto s = q + 1; s != points->end(); ++s) normals.push_back(cross(*q - *p, *s - *p));
       }
     }
   }
-}
-
-/// depth() for few points, from nothing but the points.
-inline Real depthByTrial(Points const& a, Points const& b, Vector& direction) {
-  Points edgesA, edgesB, normals;
-  allEdgesAndNormals(a, edgesA, normals);
-  allEdgesAndNormals(b, edgesB, normals);
-  return depth(a, b, normals, edgesA, edgesB, direction);
+  return depth(a, b, normals, edges[0], edges[1]);
 }
 
 }  // namespace oracle

@@ -1,15 +1,15 @@
 // hullShape.h - convex hull of a list of points, known by its support points alone, for tests of the convex engine.
 #pragma once
 
-#include <cstdlib>
 #include <utility>
 #include <vector>
 
-#include "geometry/zuShape.h"
+#include "geometry/zuSphere.h"
 #include "tests/randomValues.h"
 
-/// The points that are at most `radius` from the hull of the vertices. Only what the convex engine asks is answered.
-class HullShape : public ZuXmlClass<HullShape, ZuShape> {
+/// The points that are at most `radius` from the hull of the vertices. It answers what the convex engine asks; the
+/// rest, which nobody asks, is left as a sphere has it.
+class HullShape : public ZuSphere {
  public:
   HullShape() : m_Vertices(1) {}
   explicit HullShape(std::vector<ZuVector> vertices, double radius = 0.0)
@@ -25,7 +25,6 @@ class HullShape : public ZuXmlClass<HullShape, ZuShape> {
     return HullShape(corners);
   }
 
-  bool operator==(HullShape const& other) const { return m_Vertices == other.m_Vertices && m_Radius == other.m_Radius; }
   std::vector<ZuVector> const& vertices() const { return m_Vertices; }
   HullShape scaled(double factor) const {
     HullShape result = *this;
@@ -48,29 +47,6 @@ class HullShape : public ZuXmlClass<HullShape, ZuShape> {
     return m_Radius == 0.0 ? *best : *best + direction.unitVector() * m_Radius;
   }
   bool isConvex() const override { return m_IsConvex; }
-  ZuShapeValues type() const override { return PHYSICAL_EXTENT; }
-
-  // Not asked.
-  void fitFromShape(ZuShape const&) override {}
-  void scaleBy(double) override {}
-  using ZuShape::distanceTo;
-  double distanceTo(ZuLineSegment const&) const override { return 0.0; }
-  double distanceTo(ZuVector const&) const override { return 0.0; }
-  bool checkIntersect(ZuShape const&, ZuCoordinateSystemTransformation const&, ZuShapeProximityDescriptor const&,
-                      ZuSystemShapeProximityState&, KeyPairs*) const override {
-    return false;
-  }
-  bool checkIntersect(ZuLineSegment const&) const override { return false; }
-  bool intersectLineSegment(ZuLineSegment const&, ZuShapePointEvent&) const override { return false; }
-  bool checkIntersect(ZuVector const&) const override { return false; }
-  void fitToPoints(ZuXmlVectorVector const&) override {}
-  void physicalExtent(std::vector<ZuBasePhysicalExtent*>&) const override {}
-  ZuBasePhysicalExtent& physicalExtent() const override { std::abort(); }
-  static ZuToken const& classToken() {
-    static ZuToken const theToken("testHull");
-    return theToken;
-  }
-  static HullShape testObject() { return box(1.0, 2.0, 3.0); }
 
  private:
   std::vector<ZuVector> m_Vertices;
