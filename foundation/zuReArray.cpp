@@ -2,7 +2,9 @@
 
 #include <Eigen/LU>
 #include <algorithm>
+#include <cstdint>
 #include <exception>
+#include <stdexcept>
 
 #include "foundation/zuPrint.h"
 
@@ -47,7 +49,9 @@ ConstRows leadingBlock(std::vector<double> const& elements, unsigned int n, unsi
 
 bool ZuReArray::resizeArray(unsigned int rows, unsigned int columns) {
   try {
-    m_Elements.assign(static_cast<std::size_t>(rows) * columns, 0.0);
+    std::uint64_t const size = std::uint64_t{rows} * columns;  // a std::size_t of 32 bits would wrap
+    if (size > m_Elements.max_size()) throw std::length_error("ZuReArray");
+    m_Elements.assign(static_cast<std::size_t>(size), 0.0);
   } catch (std::exception const&) {
     Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuReArray::resizeArray-->no memory for %u rows and %u columns",
                                 rows, columns);
