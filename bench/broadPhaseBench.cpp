@@ -1,7 +1,7 @@
 // From moving boxes to the pairs that intersect. Boxes of 0.5 to 1.5 m an edge, one to 8 cubic metres, so that a box
-// meets about one other. One step moves every box and reads every pair. Coherent: each box moves by 1 % of an edge;
-// incoherent: each box appears somewhere else. All contestants see the same boxes; "pairs" says that they agree (Bullet
-// computes in floats). "bytes" is what the heap grew by.
+// meets about one other. One step moves every box and reads every pair. Coherent: each box moves by up to 1 % of an
+// edge along each axis; incoherent: each box appears somewhere else. All contestants see the same boxes; "pairs" says
+// that they agree. "bytes" is what the heap grew by.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 

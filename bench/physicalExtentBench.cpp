@@ -82,6 +82,15 @@ BENCHMARK(computeSupportPointCoherent)->RangeMultiplier(2)->Range(8, 4096);
 BENCHMARK(supportPointCold)->RangeMultiplier(8)->Range(8, 4096);
 BENCHMARK(supportPointCoherent)->RangeMultiplier(8)->Range(8, 4096);
 
+/// Not convex: 14,587 vertices.
+void computeSupportPointOfArmadillo(benchmark::State& state) {
+  ZuTriPhysicalExtent const mesh = realMesh("armadillo.obj");
+  skipWithout(mesh, state);
+  RandomValues random(7);
+  for (auto _ : state) benchmark::DoNotOptimize(mesh.computeSupportPoint(random.direction()));
+}
+BENCHMARK(computeSupportPointOfArmadillo);
+
 /// Places as far apart as the mesh is wide, about half of them near its surface.
 struct Questions {
   explicit Questions(ZuTriPhysicalExtent const& mesh) {

@@ -21,8 +21,9 @@ class Placement {
  public:
   explicit Placement(ZuCoordinateSystemTransformation const& xform) : m_Xform(xform) {
     xform.orientation().getDcmRows(m_Rows[0], m_Rows[1], m_Rows[2]);
-    for (unsigned int i = 0; i < 3; ++i)
+    for (unsigned int i = 0; i < 3; ++i) {
       m_Absolute[i] = ZuVector(std::abs(m_Rows[i].x()), std::abs(m_Rows[i].y()), std::abs(m_Rows[i].z()));
+    }
   }
 
   ZuVector operator*(ZuVector const& p) const {
@@ -149,6 +150,7 @@ bool ZuAABBCollisionDetection::nearestPoints(ZuShape const& shape1, ZuShape cons
   search.tryPair(m_LastTriangle1 < mesh1.triangles().size() ? m_LastTriangle1 : 0,
                  m_LastTriangle2 < mesh2.triangles().size() ? m_LastTriangle2 : 0);
   search.run();
+  if (!(search.best() < ZuMeshSurface::m_theFarDistance)) return false;
   m_LastTriangle1 = search.triangle1();
   m_LastTriangle2 = search.triangle2();
   distance = std::sqrt(search.best());

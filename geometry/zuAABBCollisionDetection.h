@@ -20,7 +20,8 @@ class ZU_API ZuAABBCollisionDetection {
   /// @param data when not null, gets the nearest features (corner, edge or face of a triangle) as closest points 1, 2
   /// @param witness1,witness2 nearest points, each in its own shape's frame; of meshes that touch a common point, of a
   ///        mesh inside the solid of the other a corner of it
-  /// @param distance m; 1e300, and the witness points are unchanged, when a mesh has no facets
+  /// @param distance m; 1e300, and the witness points are unchanged, when a mesh has no facets or
+  ///        the transformation is not finite
   /// @return whether the solids touch or overlap
   bool nearestPoints(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& xform,
                      ZuShapeProximityData* data, ZuVector& witness1, ZuVector& witness2, double& distance) const;

@@ -500,10 +500,16 @@ void ZuBasePhysicalExtent::scan(ZuVector const& direction) const {
 }
 
 ZuVector ZuBasePhysicalExtent::computeSupportPoint(ZuVector const& direction) const {
-  if (!m_IsConvex || m_Points.empty()) return m_Points.empty() ? ZuVector() : supportPoint(direction);
-  if (!m_Climb.isReady) prepareClimb();
+  if (m_Points.empty()) return {};
+  if (m_IsConvex && !m_Climb.isReady) prepareClimb();
   if (isZero(direction)) return supportPoint(direction);
-  climbFromBestStart(direction);
+  if (m_IsConvex) {
+    climbFromBestStart(direction);
+  } else if (m_Points.size() > m_theLargestPlainScan && !surface().triangles().empty()) {
+    m_SupportPointID = surface().farthestVertex(direction);
+  } else {
+    scan(direction);
+  }
   return m_Points[m_SupportPointID];
 }
 
@@ -546,7 +552,7 @@ bool ZuBasePhysicalExtent::isConnected(std::vector<unsigned int> const& used) co
   isReached[used[0]] = true;
   for (std::size_t i = 0; i < reached.size(); ++i) {
     for (unsigned int const neighbor : neighbors[reached[i]]) {
-      if (isReached[neighbor]) continue;
+      if (neighbor >= isReached.size() || isReached[neighbor]) continue;
       isReached[neighbor] = true;
       reached.push_back(neighbor);
     }
@@ -769,7 +775,8 @@ unsigned int ZuBasePhysicalExtent::deformInRadiusNeighbor(unsigned int vertex, Z
   isReached[vertex] = true;
   for (std::size_t i = 0; i < reached.size(); ++i) {
     for (unsigned int const neighbor : vertexNeighborVerticesVector()[reached[i]]) {
-      if (isReached[neighbor] || !(m_Points[neighbor].distanceTo(center) < radius)) continue;
+      if (neighbor >= isReached.size() || isReached[neighbor] || !(m_Points[neighbor].distanceTo(center) < radius))
+        continue;
       isReached[neighbor] = true;
       reached.push_back(neighbor);
     }

@@ -37,8 +37,8 @@ struct Triangle;
 /// there is no inside; without facets the set is empty and distances are 1e300.
 ///
 /// **Distances** of points and flat figures are signed: the distance to the surface, negative for what lies inside the
-/// solid, 0 for a figure that meets the surface. They are found in a box hierarchy that is
-/// built on the first such query after a change.
+/// solid, 0 for a figure that meets the surface. They are found in a box hierarchy that is built on the first such
+/// query after a change. A point or figure that is not finite is 1e300 away.
 ///
 /// **Pairs.** Against another shape the generic way of ZuShape is taken, on support points: for a mesh that is not
 /// convex it answers for the convex hull. When useAABB() is set, the meshes of both shapes themselves are compared, by
@@ -74,7 +74,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// Compares what persists.
   bool operator==(ZuBasePhysicalExtent const& other) const;
 
-  // Accessors. A replaced list drops what was derived from it.
+  // Accessors. Setters keep what is derived in step.
 
   virtual ZuXmlVectorVector const& points() const { return m_Points; }
   virtual void setPoints(ZuXmlVectorVector const& points);
@@ -112,7 +112,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// Forgets that the derived structures have been built, so that init() builds them again.
   virtual void resetNeighborFlags();
 
-  /// The facets that deformation has changed, each once, in the order of the changes.
+  /// The facets that deformation has changed, each once, ascending.
   virtual std::vector<ZuFacetIndex> const& modifiedFacetIndices() const { return m_ModifiedFacets; }
   virtual bool isModified() const { return !m_ModifiedFacets.empty(); }
   /// False from a deformation until whoever shows the mesh has caught up and says so.
@@ -147,7 +147,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   virtual void findNormalOfPoints();
   /// The sum of the unit normals beside the line, made unit; also into the lines.
   virtual void findNormalOfLines();
-  /// Runs the builders of neighbours; init() runs all, and bounds the points with a capsule.
+  /// Runs the builders of neighbours that have not run; init() runs all.
   virtual void initNeighborInformation();
   virtual void init();
 
@@ -232,9 +232,10 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// A mesh like that of the other shape: of an extent the same points and facets, of another solid its tessellation,
   /// which need not enclose it. Not the supplied normals and texture coordinates.
   void fitFromShape(ZuShape const& other) override;
-  /// The same point as supportPoint(), but for ties and on a mesh that is not as convex as it says. It never prints: a
-  /// convex mesh builds its neighbours when it has none. Small meshes are scanned, large ones climb from the best of
-  /// the last answer and a few stored vertices. No allocation, once the neighbours are built.
+  /// The same point as supportPoint(), but for ties, for points that no facet uses, and on a mesh that is not as convex
+  /// as it says. It never prints: a mesh builds the neighbours or boxes that it lacks, and does not allocate after
+  /// that. Small meshes are scanned; large convex ones climb from the best of the last answer and a few stored
+  /// vertices, large others search their boxes.
   ZuVector computeSupportPoint(ZuVector const& direction) const override;
   /// The vertex farthest along the direction: for a convex mesh by climbing from the last answer, where it takes ties;
   /// otherwise by a scan of all points, the lowest index of equals. For the zero direction the first vertex that a
@@ -350,6 +351,8 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
 
   /// Used vertices up to which computeSupportPoint() looks at all of them: above, the climb is faster.
   static constexpr std::size_t m_theLargestScan = 16;
+  /// Points up to which a mesh that is not convex is scanned for computeSupportPoint(): above, its boxes are faster.
+  static constexpr std::size_t m_theLargestPlainScan = 256;
   /// Rounding of a point that was computed to lie on a facet, relative to the size of the facet.
   static constexpr double m_theFacetRounding = 1e-12;
 

@@ -21,7 +21,6 @@ ZuListView<unsigned int> viewOf(std::vector<unsigned int> const& items) { return
 }  // namespace
 
 void ZuLoopPhysicalExtent::fillSample(std::vector<std::vector<unsigned int>> const& loops) {
-  fillForTest();
   setIsConvex(true);
   setPoints(ZuXmlVectorVector({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0.25, 0.25, 1}, {1, 1, 0}}));
   setNormals(ZuXmlVectorVector({{0, 0, -1}}));

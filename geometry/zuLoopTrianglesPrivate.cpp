@@ -5,7 +5,7 @@
 namespace {
 
 /// Corners up to which ears are looked for: the search takes time with the third power of the number in the worst case.
-constexpr std::size_t theLargestCutLoop = 1024;
+constexpr std::size_t theLargestCutLoop = 256;
 
 /// A polygon seen along its normal: a turn is above 0 when it goes the way of the polygon.
 class EarCutter {

@@ -19,6 +19,8 @@ constexpr double theHalfTurn = 3.14159265358979323846;
 
 ZuVector normalOf(Triangle const& t) { return (t.b - t.a).cross(t.c - t.a).unitVector(); }
 
+ZuVector const& cornerOf(Triangle const& t, unsigned int k) { return k == 0 ? t.a : (k == 1 ? t.b : t.c); }
+
 bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
 
 bool isFinite(Segment const& s) { return isFinite(s.p) && isFinite(s.q); }
@@ -77,9 +79,9 @@ std::vector<NetEdge> openEdges(std::vector<unsigned int> const& corners, std::ve
   return open;
 }
 
-/// Twice the signed number of half turns: the winding number of the shadow of the triangle along x about that of p.
-/// An edge counts when it passes the height of p, its lower end included, on the far side of p; two triangles of
-/// opposite direction cancel exactly along a common edge.
+/// How often the shadow of the triangle along x winds about that of p: -1, 0 or 1. An edge counts when it passes the
+/// height of p, z, on one side of p, where a corner at that height counts as below; so the two triangles at an edge
+/// cancel exactly along it.
 int shadowWinding(Triangle const& t, ZuVector const& p) {
   ZuVector const* const corners[] = {&t.a, &t.b, &t.c, &t.a};
   int winding = 0;
@@ -243,6 +245,29 @@ bool ZuMeshSurface::isInside(ZuVector const& p) const {
   return std::abs(winding) > 0.5;
 }
 
+// With `top` above every corner's product, top - product is what becomes the smallest.
+unsigned int ZuMeshSurface::farthestVertex(ZuVector const& direction) const {
+  if (m_Triangles.empty()) return theZuNoIndex;
+  ZuVector const absolute(std::abs(direction.x()), std::abs(direction.y()), std::abs(direction.z()));
+  auto const highest = [&direction, &absolute](Box const& box) {
+    return box.middle().dot(direction) + absolute.dot((box.high - box.low) * 0.5);
+  };
+  double const top = highest(node(0).box);
+  Triangle const& last = m_Triangles[m_LastFarthest / 3];
+  double const start = top - cornerOf(last, m_LastFarthest % 3).dot(direction);
+  m_Hierarchy.nearest(
+      start, [&highest, top](Box const& box) { return top - highest(box); },
+      [this, &direction, top](unsigned int i, double& best) {
+        for (unsigned int k = 0; k < 3; ++k) {
+          double const below = top - cornerOf(m_Triangles[i], k).dot(direction);
+          if (!(below < best)) continue;
+          best = below;
+          m_LastFarthest = 3 * i + k;
+        }
+      });
+  return m_Corners[m_LastFarthest];
+}
+
 unsigned int ZuMeshSurface::nearestVertex(ZuVector const& point, unsigned int group) const {
   unsigned int nearest = theZuNoIndex;
   if (!isFinite(point)) return nearest;
@@ -250,9 +275,8 @@ unsigned int ZuMeshSurface::nearestVertex(ZuVector const& point, unsigned int gr
       m_theFarDistance, [&point](Box const& box) { return box.distanceSquaredTo(point); },
       [this, &point, group, &nearest](unsigned int i, double& best) {
         if (group != theZuNoIndex && m_Facets[i].first != group) return;
-        ZuVector const* const corners[] = {&m_Triangles[i].a, &m_Triangles[i].b, &m_Triangles[i].c};
         for (unsigned int k = 0; k < 3; ++k) {
-          double const squared = point.distanceSquaredTo(*corners[k]);
+          double const squared = point.distanceSquaredTo(cornerOf(m_Triangles[i], k));
           if (!(squared < best)) continue;
           best = squared;
           nearest = m_Corners[3 * i + k];

@@ -63,6 +63,8 @@ class ZuMeshSurface {
 
   /// The corner nearest to the point, of one group, or of all for theZuNoIndex; theZuNoIndex when there is none.
   unsigned int nearestVertex(ZuVector const& point, unsigned int group) const;
+  /// The corner farthest along the direction, to rounding; theZuNoIndex when there is none.
+  unsigned int farthestVertex(ZuVector const& direction) const;
 
  private:
   /// A triangle that closes an opening, as often as `times` says: below 0 when it runs the other way.
@@ -83,5 +85,6 @@ class ZuMeshSurface {
   std::vector<ZuFacetIndex> m_Facets;
   std::vector<Cap> m_Caps;
   std::vector<ZuVector> m_Pieces;
-  mutable unsigned int m_LastNearest = 0;
+  mutable unsigned int m_LastNearest = 0;   ///< a triangle
+  mutable unsigned int m_LastFarthest = 0;  ///< a place in m_Corners
 };
