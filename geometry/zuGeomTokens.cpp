@@ -16,9 +16,23 @@ ZuToken const ZuSphereToken("sphere");
 ZuToken const ZuCenterToken("center");
 ZuToken const ZuRadiusToken("radius");
 ZuToken const ZuCapsuleToken("capsule");
+ZuToken const ZuBoxToken("box");
+ZuToken const ZuBoxExtentsToken("boxExtents");
+ZuToken const ZuPrimaryFrameToken("primaryFrame");
+ZuToken const ZuCylinderToken("cylinder");
+ZuToken const ZuConeToken("cone");
+ZuToken const ZuEllipsoidToken("ellipsoid");
+ZuToken const ZuLozengeToken("lozenge");
+ZuToken const ZuTetrahedronToken("tetrahedron");
+ZuToken const ZuV0Token("v0");
+ZuToken const ZuV1Token("v1");
+ZuToken const ZuV2Token("v2");
+ZuToken const ZuV3Token("v3");
+ZuToken const ZuHalfSpaceToken("halfSpace");
 
 ZuToken const ZuGeneralMotionToken("generalMotion");
 ZuToken const ZuGeneralForceToken("generalForce");
+ZuToken const ZuSpatialMatrixToken("spatialMatrix");
 
 ZuToken const ZuLineToken("line");
 ZuToken const ZuPointToken("point");

@@ -22,10 +22,24 @@ extern ZU_API ZuToken const ZuSphereToken;
 extern ZU_API ZuToken const ZuCenterToken;
 extern ZU_API ZuToken const ZuRadiusToken;
 extern ZU_API ZuToken const ZuCapsuleToken;
+extern ZU_API ZuToken const ZuBoxToken;
+extern ZU_API ZuToken const ZuBoxExtentsToken;
+extern ZU_API ZuToken const ZuPrimaryFrameToken;
+extern ZU_API ZuToken const ZuCylinderToken;
+extern ZU_API ZuToken const ZuConeToken;
+extern ZU_API ZuToken const ZuEllipsoidToken;
+extern ZU_API ZuToken const ZuLozengeToken;
+extern ZU_API ZuToken const ZuTetrahedronToken;
+extern ZU_API ZuToken const ZuV0Token;
+extern ZU_API ZuToken const ZuV1Token;
+extern ZU_API ZuToken const ZuV2Token;
+extern ZU_API ZuToken const ZuV3Token;
+extern ZU_API ZuToken const ZuHalfSpaceToken;
 
 // Spatial algebra
 extern ZU_API ZuToken const ZuGeneralMotionToken;
 extern ZU_API ZuToken const ZuGeneralForceToken;
+extern ZU_API ZuToken const ZuSpatialMatrixToken;
 
 // Figures
 extern ZU_API ZuToken const ZuLineToken;

@@ -8,5 +8,8 @@ namespace ZuManip {
 
 extern ZU_API ZuToken const ZuLinearToken;
 extern ZU_API ZuToken const ZuAngularToken;
+extern ZU_API ZuToken const ZuRow0Token;
+extern ZU_API ZuToken const ZuRow1Token;
+extern ZU_API ZuToken const ZuRow2Token;
 
 }  // namespace ZuManip

@@ -39,6 +39,11 @@ thread_local std::uint64_t theUnansweredPairs = 0;
 
 void print(char const* message) { Zu::Print::instance().write(Zu::PRINT_WARNING, "%s", message); }
 
+std::unique_ptr<ZuGJK>& enginePrototype() {
+  static std::unique_ptr<ZuGJK> prototype = std::make_unique<ZuGJK>();
+  return prototype;
+}
+
 /// A default shape of the type; null for the types that bound nothing.
 std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
   switch (kind) {
@@ -815,6 +820,14 @@ void ZuShape::dressExtent(ZuBasePhysicalExtent& extent) const {
 }
 
 ZuGJK& ZuShape::engine() const {
-  if (!m_Engine) m_Engine = std::make_unique<ZuGJK>();
+  if (!m_Engine) m_Engine = enginePrototype()->clone();
   return *m_Engine;
 }
+
+ZuGJK const& ZuShape::gjkEngine() const { return engine(); }
+
+void ZuShape::setGjkEngine(ZuGJK const& engine) { m_Engine = engine.clone(); }
+
+ZuGJK const& ZuShape::gjkEnginePrototype() { return *enginePrototype(); }
+
+void ZuShape::setGjkEnginePrototype(ZuGJK const& engine) { enginePrototype() = engine.clone(); }

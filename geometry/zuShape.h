@@ -319,6 +319,17 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   /// must tell "touching" from "not answered" compares the number before and after it asks.
   static std::uint64_t unansweredPairs();
 
+  /// The engine of the generic way; a copy of the prototype, made on first use, unless another one was set.
+  ZuGJK const& gjkEngine() const;
+  /// Keeps a copy of the engine, of its most derived type, for the generic way from now on. Copies of the shape take
+  /// it along; the coarser levels keep theirs.
+  void setGjkEngine(ZuGJK const& engine);
+  /// The engine of which shapes of this process copy theirs on first use: a plain ZuGJK unless another one was set.
+  static ZuGJK const& gjkEnginePrototype();
+  /// Keeps a copy of the engine as the prototype. Shapes that have an engine keep it. To be called while no other
+  /// thread uses shapes: at start-up.
+  static void setGjkEnginePrototype(ZuGJK const& engine);
+
   /// gjkDistanceAndWitnessPointsQuery() without the points.
   bool gjkDistanceQuery(ZuShape const& other, ZuShapeStateCacheKey const& key1, ZuShapeStateCacheKey const& key2,
                         ZuCoordinateSystemTransformation const& xform, bool const& computeWitness,
