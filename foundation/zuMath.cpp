@@ -136,10 +136,21 @@ Roots cubicRootsOfUnitSize(double c2, double c1, double c0) {
   return roots;
 }
 
-void sortDescending(double& a, double& b, double& c) {
-  if (a < b) std::swap(a, b);
-  if (b < c) std::swap(b, c);
-  if (a < b) std::swap(a, b);
+bool isLess(Wide const& a, Wide const& b) {
+  return a.value() < b.value() || (a.value() == b.value() && a.low() < b.low());
+}
+bool isLess(double a, double b) { return a < b; }
+
+template <class Number>
+void sortDescending(Number& a, Number& b, Number& c) {
+  if (isLess(a, b)) std::swap(a, b);
+  if (isLess(b, c)) std::swap(b, c);
+  if (isLess(a, b)) std::swap(a, b);
+}
+
+/// x 2^exponent, in two factors since 2^exponent may overflow where the product does not.
+Wide scaled(Wide const& x, int exponent) {
+  return x.timesPowerOfTwo(std::ldexp(1.0, exponent / 2)).timesPowerOfTwo(std::ldexp(1.0, exponent - exponent / 2));
 }
 
 }  // namespace
@@ -170,7 +181,16 @@ void cubicRoots(double const& c2, double const& c1, double const& c0, double& ro
 
 void symmetricEigenvalues(double a00, double a01, double a02, double a11, double a12, double a22, double& largest,
                           double& middle, double& smallest) {
-  largest = middle = smallest = 0.0;
+  Wide wide[3];
+  symmetricEigenvalues(a00, a01, a02, a11, a12, a22, wide[0], wide[1], wide[2]);
+  largest = wide[0].value();
+  middle = wide[1].value();
+  smallest = wide[2].value();
+}
+
+void symmetricEigenvalues(double a00, double a01, double a02, double a11, double a12, double a22, Wide& largest,
+                          Wide& middle, Wide& smallest) {
+  largest = middle = smallest = Wide();
   double size = 0.0;
   for (double const element : {a00, a01, a02, a11, a12, a22}) {
     if (!std::isfinite(element)) {
@@ -191,9 +211,9 @@ void symmetricEigenvalues(double a00, double a01, double a02, double a11, double
   Wide const p = -((b00 * b00 + b11 * b11 + b22 * b22).timesPowerOfTwo(0.5) + b01 * b01 + b02 * b02 + b12 * b12);
   Wide const q = b00 * (b12 * b12 - b11 * b22) + b01 * (b01 * b22 - b12 * b02) + b02 * (b02 * b11 - b01 * b12);
   Roots const roots = depressedRoots(p, q);  // an imaginary part is rounding: `first` and `second` are then equal
-  largest = std::ldexp(((roots.single + trace) / 3.0).value(), exponent);
-  middle = std::ldexp(((roots.first + trace) / 3.0).value(), exponent);
-  smallest = std::ldexp(((roots.second + trace) / 3.0).value(), exponent);
+  largest = scaled((roots.single + trace) / 3.0, exponent);
+  middle = scaled((roots.first + trace) / 3.0, exponent);
+  smallest = scaled((roots.second + trace) / 3.0, exponent);
   sortDescending(largest, middle, smallest);
 }
 

@@ -6,6 +6,8 @@
 
 #include "foundation/zuExport.h"
 
+class ZuDoubleDouble;
+
 namespace ZuMath {
 
 /// The square root; 0 for a negative argument, which stands for a 0 spoilt by rounding. nan stays nan.
@@ -49,5 +51,9 @@ ZU_API void cubicRoots(double const& c2, double const& c1, double const& c0, dou
 /// `cubicRoots`. The shift by the mean eigenvalue before the coefficients are formed is what saves repeated values.
 ZU_API void symmetricEigenvalues(double a00, double a01, double a02, double a11, double a12, double a22,
                                  double& largest, double& middle, double& smallest);
+/// The same in twice the precision: values that are at least 2^-50 of the largest apart are within
+/// 2^-98 (largest / distance) of it, closer ones within some 2^-52.
+ZU_API void symmetricEigenvalues(double a00, double a01, double a02, double a11, double a12, double a22,
+                                 ZuDoubleDouble& largest, ZuDoubleDouble& middle, ZuDoubleDouble& smallest);
 
 }  // namespace ZuMath

@@ -33,6 +33,7 @@
 #include "geometry/zuPolygonWithKey.h"
 #include "geometry/zuRectangle.h"
 #include "geometry/zuShapeContainer.h"
+#include "geometry/zuSpatialMatrix.h"
 #include "geometry/zuSphere.h"
 #include "geometry/zuTriPhysicalExtent.h"
 #include "geometry/zuTriangle.h"
@@ -51,7 +52,7 @@ using ValueClasses =
                ZuXmlBasicType<bool>, ZuXmlVector, ZuXmlOrientation, ZuXmlCoordinateSystemTransformation,
                ZuXmlPairType<Real, ZuXmlVector>, ZuGeneralMotion, ZuGeneralForce, ZuLine, ZuLineSegment, ZuPlane,
                ZuAxisAlignedBoundingBox, ZuPlanarVector, ZuTriangle, ZuGeomTriangle, ZuRectangle, ZuCircle,
-               ZuGeometryOverwriteDescriptor>;
+               ZuGeometryOverwriteDescriptor, ZuSpatialMatrix>;
 
 /// Classes that own memory for what they hold.
 using OwningClasses = std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
