@@ -29,6 +29,7 @@
 #include "geometry/zuSphere.h"
 #include "geometry/zuSystemActiveState.h"
 #include "geometry/zuSystemShapeProximityState.h"
+#include "geometry/zuTetrahedron.h"
 #include "geometry/zuTriPhysicalExtent.h"
 
 namespace {
@@ -56,6 +57,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuSphere>();
     case ZuShape::CAPSULE:
       return std::make_unique<ZuCapsule>();
+    case ZuShape::TETRAHEDRON:
+      return std::make_unique<ZuTetrahedron>();
     default:
       return nullptr;
   }

@@ -6,6 +6,7 @@
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuSphere.h"
+#include "geometry/zuTetrahedron.h"
 #include "geometry/zuTriPhysicalExtent.h"
 
 namespace {
@@ -20,6 +21,7 @@ void registerSolid(ZuXmlBaseVariableCompoundType& container) {
 ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuSphere>(*this);
   registerSolid<ZuCapsule>(*this);
+  registerSolid<ZuTetrahedron>(*this);
   registerSolid<ZuPolyPhysicalExtent>(*this);
   registerSolid<ZuTriPhysicalExtent>(*this);
 }

@@ -35,6 +35,7 @@
 #include "geometry/zuShapeContainer.h"
 #include "geometry/zuSpatialMatrix.h"
 #include "geometry/zuSphere.h"
+#include "geometry/zuTetrahedron.h"
 #include "geometry/zuTriPhysicalExtent.h"
 #include "geometry/zuTriangle.h"
 #include "tests/allocationCounter.h"
@@ -58,7 +59,7 @@ using ValueClasses =
 using OwningClasses = std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
                                  ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
                                  ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon,
-                                 ZuPolygonWithKey, ZuCapsule, ZuFacetGroups, ZuBrick>;
+                                 ZuPolygonWithKey, ZuCapsule, ZuTetrahedron, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
