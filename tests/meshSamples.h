@@ -7,8 +7,8 @@
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "tests/extentChecks.h"
 #include "tests/objReader.h"
+#include "tests/testValues.h"
 
-using Messages = std::vector<std::string>;
 using Loops = std::vector<std::vector<unsigned int>>;
 
 template <class Mesh>

@@ -1,13 +1,11 @@
 // proximityFixture.h - the smallest system: two manipulators of one link, memory for their shapes.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "foundation/zuManipulatorSystem.h"
 #include "geometry/zuShape.h"
 #include "geometry/zuShapeProximityDescriptor.h"
 #include "geometry/zuSystemShapeProximityState.h"
-#include "tests/printSink.h"
+#include "tests/testValues.h"
 
 /// Two manipulators with one link of `shapes` shapes each.
 class TwoLinks : public ZuManipulatorSystem {

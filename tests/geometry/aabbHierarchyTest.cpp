@@ -1,12 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <set>
 
 #include "geometry/zuAABBHierarchyGeneration.h"
 #include "geometry/zuGeomTriangle.h"
 #include "tests/objReader.h"
-#include "tests/randomValues.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -54,8 +52,7 @@ TEST(AabbHierarchy, FindsOnRealMeshesWhatALinearSearchFinds) {
     Hierarchy hierarchy;
     hierarchy.build(boxes);
     ASSERT_TRUE(hierarchy.validate(boxes));
-    RandomValues random(401);
-    SCOPED_TRACE(random.trace());
+    TracedValues random(401);
     double const size = mesh.size();
     std::size_t looks = 0, hits = 0;
     auto const ask = [&](auto const& figure, auto const& bound) {
@@ -95,8 +92,7 @@ TEST(AabbHierarchy, FindsOnRealMeshesWhatALinearSearchFinds) {
 }
 
 TEST(AabbHierarchy, BoundsAreNeverTooLargeAndThatOfASegmentIsItsDistance) {
-  RandomValues random(402);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(402);
   int contacts = 0;
   for (int i = 0; i < 4000; ++i) {
     bool const onGrid = i % 2 == 0;
@@ -135,7 +131,7 @@ TEST(AabbHierarchy, TakesAnyBoxesAndLeavesOutThoseThatAreNone) {
 }
 
 TEST(AabbHierarchy, RefitFollowsMovedFacetsAndRefusesOthers) {
-  RandomValues random(403);
+  TracedValues random(403);
   std::vector<Box> boxes, moved;
   for (int i = 0; i < 300; ++i) {
     ZuVector const p = random.vector();

@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "geometry/zuAxisAlignedBoundingBox.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -32,8 +29,7 @@ bool shareAGridPoint(Box const& a, Box const& b) {
 }  // namespace
 
 TEST(AxisAlignedBoundingBox, BoxesIntersectWhenTheyShareAPointAndThenOnEveryAxis) {
-  RandomValues random(421);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(421);
   int shared = 0;
   for (int i = 0; i < 500; ++i) {
     Box const a = gridBox(random), b = gridBox(random);
@@ -68,8 +64,7 @@ TEST(AxisAlignedBoundingBox, FindIntersectionAndGrowingByNoBoxesHaveNoEffect) {
 }
 
 TEST(AxisAlignedBoundingBox, GrowsToTheSmallestBoxAroundAll) {
-  RandomValues random(422);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(422);
   for (unsigned int count = 1; count < 20; ++count) {
     Box::Boxes boxes;
     ZuVector minimum(1e9, 1e9, 1e9), maximum = -minimum;

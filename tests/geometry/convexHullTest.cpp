@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <fstream>
@@ -10,9 +8,7 @@
 
 #include "geometry/zuConvexHull.h"
 #include "tests/objReader.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -158,7 +154,7 @@ TEST(ConvexHull, HardSetsHaveTheirExactVolumeAreaAndCorners) {
 }
 
 TEST(ConvexHull, AllFormsDescribeTheSameHull) {
-  RandomValues random(301);
+  TracedValues random(301);
   Points input;
   for (int i = 0; i < 200; ++i) input.push_back(random.vector());
   ZuXmlVectorVector const points(input);
@@ -188,8 +184,7 @@ TEST(ConvexHull, AllFormsDescribeTheSameHull) {
 }
 
 TEST(ConvexHull, APointInsideIsNeverACorner) {
-  RandomValues random(302);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(302);
   for (int i = 0; i < 300; ++i) {
     Points points;
     double const size = random.scale(1e-6, 1e6);
@@ -205,7 +200,7 @@ TEST(ConvexHull, APointInsideIsNeverACorner) {
 }
 
 TEST(ConvexHull, IsTheSameOnEveryRunAtEveryScaleAndInAnyPlace) {
-  RandomValues random(303);
+  TracedValues random(303);
   Points points = cube(), tiny, huge, away;
   for (int i = 0; i < 100; ++i) points.push_back(ZuVector(random.real(0.0, 1.0), 0.5, 1.0));
   for (ZuVector const& p : points) {
@@ -233,8 +228,7 @@ TEST(ConvexHull, BuffersGrowOnlyAndAreNotShared) {
 }
 
 TEST(ConvexHull, PlanarCornersHaveAllOtherPointsOnOneSide) {
-  RandomValues random(304);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(304);
   ZuConvexHull engine;
   std::vector<unsigned int> corners;
   double const square[10] = {1, 1, 0.5, 0.5, 0, 0, 1, 0, 0, 1};

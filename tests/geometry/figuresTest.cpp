@@ -1,5 +1,4 @@
 // Triangles as sets, polygons, planar vectors.
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <fstream>
@@ -11,9 +10,7 @@
 #include "geometry/zuPolygon.h"
 #include "geometry/zuPolygonWithKey.h"
 #include "tests/minimumNorm.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -41,8 +38,7 @@ ZuGeomTriangle gridTriangle(RandomValues& random) {
 }  // namespace
 
 TEST(GeomTriangle, NearestPointIsInTheTriangleAndNothingOfItIsNearer) {
-  RandomValues random(101);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(101);
   for (int i = 0; i < 20000; ++i) {
     ZuGeomTriangle const t = anyTriangle(random, random.scale(1e-3, 1e3));
     ZuVector const p = random.vector(random.scale(1e-3, 1e3));
@@ -55,8 +51,7 @@ TEST(GeomTriangle, NearestPointIsInTheTriangleAndNothingOfItIsNearer) {
 }
 
 TEST(GeomTriangle, DistanceFromSegmentsAndTrianglesIsThatOfTheDifference) {
-  RandomValues random(102);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(102);
   int apart = 0;
   for (int i = 0; i < 1500; ++i) {
     ZuGeomTriangle const s = anyTriangle(random, 1.0);
@@ -73,8 +68,7 @@ TEST(GeomTriangle, DistanceFromSegmentsAndTrianglesIsThatOfTheDifference) {
 }
 
 TEST(GeomTriangle, ContactIsDecidedExactlyAlsoForFlatAndDegenerateTriangles) {
-  RandomValues random(103);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(103);
   int touching = 0;
   // A shear of determinant 1 with large entries keeps contact but leaves estimates in doubles without a correct bit.
   auto const sheared = [](ZuGeomTriangle const& t) {
@@ -159,11 +153,10 @@ TEST(Figures, AnIndexThatDoesNotExistPrintsOneLineAndReadsNothing) {
   EXPECT_EQ(polygon.point(polygon.numberOfPoints()), ZuVector());
   polygon.setPoint(4294967295U, ZuVector(9, 9, 9));
   EXPECT_EQ(ZuPolygonWithKey::testObject().pointIndex(4), theZuNoIndex);
-  EXPECT_EQ(
-      sink.messages(),
-      (std::vector<std::string>{"ZuTriangle::point-->invalid index (3)", "ZuTriangle::point-->invalid index (3)",
-                                "ZuPolygon::point-->invalid index (3)", "ZuPolygon::point-->invalid index (4294967295)",
-                                "ZuPolygonWithKey::pointIndex-->invalid index (4 of 4)"}));
+  EXPECT_EQ(sink.messages(),
+            (Messages{"ZuTriangle::point-->invalid index (3)", "ZuTriangle::point-->invalid index (3)",
+                      "ZuPolygon::point-->invalid index (3)", "ZuPolygon::point-->invalid index (4294967295)",
+                      "ZuPolygonWithKey::pointIndex-->invalid index (4 of 4)"}));
   EXPECT_TRUE(triangle == ZuTriangle::testObject() && polygon == ZuPolygon::testObject());
 }
 

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <fstream>
 #include <map>
@@ -8,10 +6,8 @@
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
 #include "tests/convexOracle.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
 #include "tests/sharedFiles.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -31,9 +27,8 @@ double searchedDistance(ZuLineSegment const& a, ZuLineSegment const& b) {
   long double low = 0, high = 1, best = std::min(distance(0), distance(1));
   for (int i = 0; i < 120; ++i) {
     long double const left = low + (high - low) / 3, right = high - (high - low) / 3;
-    long double const fLeft = distance(left), fRight = distance(right);
-    best = std::min({best, fLeft, fRight});
-    (fLeft < fRight ? high : low) = fLeft < fRight ? right : left;
+    best = std::min({best, distance(left), distance(right)});
+    (distance(left) < distance(right) ? high = right : low = left);
   }
   return static_cast<double>(best);
 }
@@ -64,8 +59,7 @@ ZuVector pointOf(ZuLineSegment const& segment, double t) {
 }  // namespace
 
 TEST(LineSegment, DistanceHoldsAtEveryAngleHoweverSmall) {
-  RandomValues random(401);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(401);
   int interior = 0, total = 0;
   for (double angle = 1.0; angle > 1e-18; angle *= 0.1) {
     for (int i = 0; i < 300; ++i, ++total) {
@@ -109,8 +103,7 @@ TEST(LineSegment, PairsFollowTheRulesOfTheirParameters) {
     double s = -7.0, t = -7.0;
     EXPECT_EQ(c.a.distanceSquaredTo(c.b, s, t), c.squared) << c.what;
     EXPECT_TRUE(s == c.s && t == c.t) << c.what << ": " << s << ' ' << t;
-    EXPECT_EQ(c.a.distanceSquaredTo(c.b), c.squared) << c.what;
-    EXPECT_EQ(c.a.distanceTo(c.b), std::sqrt(c.squared)) << c.what;
+    EXPECT_TRUE(c.a.distanceSquaredTo(c.b) == c.squared && c.a.distanceTo(c.b) == std::sqrt(c.squared)) << c.what;
     if (c.a.lengthSquared() == 0.0 || c.b.lengthSquared() == 0.0) continue;
     EXPECT_EQ(c.a.nondegenerateDistanceSquaredTo(c.b, s, t), c.squared) << c.what;
     EXPECT_EQ(c.a.nondegenerateDistanceSquaredTo(c.b), c.squared) << c.what;
@@ -122,17 +115,15 @@ TEST(LineSegment, AgreesWithPublishedHardCases) {
   if (!file) GTEST_SKIP() << "cases/open.segments.txt is not in ZU_SHARED";
   std::map<std::string, ZuVector> fields;
   int count = 0;
-  for (std::string line; std::getline(file, line);) {
+  for (std::string line, key; std::getline(file, line);) {
     std::istringstream text(line);
-    std::string key;
-    double x = 0.0, y = 0.0, z = 0.0;
-    text >> key >> x >> y >> z;
-    fields[key] = ZuVector(x, y, z);
+    text >> key;
+    ZuVector& field = fields[key];
+    text >> field[0] >> field[1] >> field[2];
     if (key != "end") continue;
     ZuLineSegment const p(fields["p0"], fields["p1"]), q(fields["q0"], fields["q1"]);
-    double const tolerance = 8.0 * theEps * extentOf(p, q);
-    EXPECT_NEAR(p.distanceTo(q), fields["d"].x(), tolerance) << "case " << count;
-    EXPECT_NEAR(q.distanceTo(p), fields["d"].x(), tolerance) << "case " << count;
+    EXPECT_NEAR(p.distanceTo(q), fields["d"].x(), 8.0 * theEps * extentOf(p, q)) << "case " << count;
+    EXPECT_NEAR(q.distanceTo(p), fields["d"].x(), 8.0 * theEps * extentOf(p, q)) << "case " << count;
     ++count;
   }
   EXPECT_GT(count, 20);
@@ -140,23 +131,19 @@ TEST(LineSegment, AgreesWithPublishedHardCases) {
 
 TEST(LineSegment, PointsSeeTheNearestPointAndTheRawParameter) {
   ZuLineSegment const segment({1, 0, 0}, {3, 0, 0}), point({1, 2, 2}, {1, 2, 2});
-  struct Case {
-    ZuLineSegment segment;
-    ZuVector p;
-    double squared, t, squaredFromLine, tOfLine;
-  } const cases[] = {{segment, {2, 3, 0}, 9.0, 0.5, 9.0, 0.5},
-                     {segment, {0, 3, 0}, 10.0, -0.5, 9.0, -0.5},
-                     {segment, {6, 4, 0}, 25.0, 2.5, 16.0, 2.5},
-                     {segment, {3, 0, 0}, 0.0, 1.0, 0.0, 1.0},
-                     {point, {0, 0, 0}, 9.0, 0.0, 0.0, 1e300}};
-  for (Case const& c : cases) {
-    double t = -7.0, tOfLine = -7.0;
-    EXPECT_EQ(c.segment.distanceSquaredTo(c.p, t), c.squared);
-    EXPECT_EQ(c.segment.distanceSquaredTo(c.p), c.squared);
-    EXPECT_EQ(c.segment.distanceTo(c.p), std::sqrt(c.squared));
-    EXPECT_EQ(c.segment.distanceSquaredFromLineTo(c.p, tOfLine), c.squaredFromLine);
-    EXPECT_EQ(c.segment.distanceSquaredFromLineTo(c.p), c.squaredFromLine);
-    EXPECT_TRUE(t == c.t && tOfLine == c.tOfLine) << t << ' ' << tOfLine;
+  for (auto const& [from, p, squared, t, squaredFromLine, tOfLine] :
+       std::vector<std::tuple<ZuLineSegment, ZuVector, double, double, double, double>>{
+           {segment, {2, 3, 0}, 9.0, 0.5, 9.0, 0.5},
+           {segment, {0, 3, 0}, 10.0, -0.5, 9.0, -0.5},
+           {segment, {6, 4, 0}, 25.0, 2.5, 16.0, 2.5},
+           {segment, {3, 0, 0}, 0.0, 1.0, 0.0, 1.0},
+           {point, {0, 0, 0}, 9.0, 0.0, 0.0, 1e300}}) {
+    double s = -7.0, sOfLine = -7.0;
+    EXPECT_EQ(from.distanceSquaredTo(p, s), squared);
+    EXPECT_TRUE(from.distanceSquaredTo(p) == squared && from.distanceTo(p) == std::sqrt(squared));
+    EXPECT_EQ(from.distanceSquaredFromLineTo(p, sOfLine), squaredFromLine);
+    EXPECT_EQ(from.distanceSquaredFromLineTo(p), squaredFromLine);
+    EXPECT_TRUE(s == t && sOfLine == tOfLine) << s << ' ' << sOfLine;
   }
 }
 
@@ -171,32 +158,28 @@ TEST(LineSegment, DeltaAndLengthFollowTheEndpoints) {
   turned.setEndpoints(turned.endpoint1(), turned.endpoint0());
   for (ZuLineSegment const& segment : {set, one, read, swapped, turned}) {
     EXPECT_TRUE(segment == ZuLineSegment(p, q) && segment.endpoint(0) == p && segment.endpoint(1) == q);
-    EXPECT_EQ(segment.delta(), ZuVector(3, 4, 0));
-    EXPECT_EQ(segment.length(), 5.0);
+    EXPECT_TRUE(segment.delta() == ZuVector(3, 4, 0) && segment.length() == 5.0);
     EXPECT_EQ(segment.center(), ZuVector(2.5, 4, 3));
   }
   PrintSink sink;
   EXPECT_EQ(set.endpoint(2), q);
-  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuLineSegment::endpoint(): index 2 out of range.\n"});
+  EXPECT_EQ(sink.take(), Messages{"ZuLineSegment::endpoint(): index 2 out of range.\n"});
 }
 
 TEST(LineSegment, MovesAsItsPointsDoAndKeepsItsLengthBitForBit) {
-  RandomValues random(403);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(403);
   for (int i = 0; i < 100; ++i) {
     Transformation const xform = random.transformation();
     ZuLineSegment const segment(random.vector(), random.vector()), moved = xform * segment;
     ZuPlainSegment const plain = segment.plain().transformedBy(xform);
     EXPECT_EQ(moved, ZuLineSegment(xform * segment.endpoint0(), xform * segment.endpoint1()));
-    EXPECT_EQ(moved.delta(), moved.endpoint1() - moved.endpoint0());
+    EXPECT_TRUE(moved.delta() == moved.endpoint1() - moved.endpoint0() && plain.delta == moved.delta());
     EXPECT_TRUE(moved.lengthSquared() == segment.lengthSquared() && plain.lengthSquared == segment.lengthSquared());
-    EXPECT_EQ(plain.delta, moved.delta());
   }
 }
 
 TEST(Line, DistanceIsAsGoodAsTheRoundedDirectionsAllow) {
-  RandomValues random(404);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(404);
   for (double angle = 1.0; angle > 1e-12; angle *= 0.1) {
     // Rounding turns the directions by eps and the common perpendicular by eps / angle.
     double const turn = 4.0 * theEps / angle;
@@ -209,8 +192,7 @@ TEST(Line, DistanceIsAsGoodAsTheRoundedDirectionsAllow) {
       ZuLine const a(foot - u * sKnown, u), b(foot + up * distance - v.unitVector() * tKnown, v);
       double s, t;
       EXPECT_NEAR(std::sqrt(a.distanceSquared(b, s, t)), distance, 16.0 * theEps + turn * turn) << "angle " << angle;
-      EXPECT_NEAR(s, sKnown, 8.0 * turn / angle) << "angle " << angle;
-      EXPECT_NEAR(t, tKnown, 8.0 * turn / angle) << "angle " << angle;
+      EXPECT_NEAR(std::max(std::abs(s - sKnown), std::abs(t - tKnown)), 0.0, 8.0 * turn / angle) << "angle " << angle;
     }
   }
 }
@@ -222,8 +204,7 @@ TEST(Line, ParallelLinesAreMeasuredFromThePointOfTheFirstAlsoWhenParallelButForR
   EXPECT_EQ(a.distanceSquared(b, s, t), b.distanceSquaredFromLineTo(a.point(), tOfPoint));
   EXPECT_TRUE(s == 0.0 && t == tOfPoint);
   EXPECT_EQ(b.distanceSquaredFromLineTo(a.point()), b.distanceSquaredFromLineTo(a.point(), t));
-  RandomValues random(21);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(21);
   for (int i = 0; i < 2000; ++i) {
     ZuVector const u = random.vector(), across = u.cross(random.vector()).unitVector(), p = random.vector();
     ZuLine const other(p + across + random.real() * u, random.scale(0.01, 100.0) * u);
@@ -232,15 +213,18 @@ TEST(Line, ParallelLinesAreMeasuredFromThePointOfTheFirstAlsoWhenParallelButForR
 }
 
 TEST(Line, TheClosestPointIsOnTheLineAndStraightBelow) {
-  RandomValues random(405);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(405);
   for (int i = 0; i < 100; ++i) {
-    ZuLine const line = random.transformation() * ZuLine(random.vector(), random.vector());
+    ZuLine const original(random.vector(), random.vector());
+    Transformation const xform = random.transformation();
+    ZuLine const line = xform * original;
     ZuVector const p = random.vector(), foot = line.pointOnLineClosestTo(p);
     double t;
+    EXPECT_TRUE(line.point().approxEq(xform * original.point(), 4.0 * theEps));
+    EXPECT_TRUE(line.unitVector().approxEq(xform.orientation() * original.unitVector(), 4.0 * theEps));
     EXPECT_NEAR(line.distanceSquaredFromLineTo(p, t), p.distanceSquaredTo(foot), 32.0 * theEps);
     EXPECT_NEAR((p - foot).dot(line.unitVector()), 0.0, 16.0 * theEps);
-    EXPECT_TRUE(foot.approxEq(line.point() + t * line.unitVector(), 0.0));
+    EXPECT_EQ(foot, line.point() + t * line.unitVector());
   }
 }
 
@@ -249,9 +233,6 @@ TEST(Line, TheDirectionIsNormalisedWhenSetAndOnlyThen) {
   EXPECT_TRUE(line.unitVector().approxEq({0, 0.6, 0.8}, theEps));
   line.setUnitVector({0, 0, -5});
   EXPECT_EQ(line.unitVector(), ZuVector(0, 0, -1));
-  line.transformBy(Transformation({1, 1, 1}, ZuOrientation().xRotation(std::acos(-1.0))));
-  EXPECT_TRUE(line.point().approxEq({2, -1, -2}, 4.0 * theEps));
-  EXPECT_TRUE(line.unitVector().approxEq({0, 0, 1}, 4.0 * theEps));
   ASSERT_TRUE(line.readFromBuffer("<l><unitVector>2 0 0</unitVector></l>"));
   EXPECT_EQ(line.unitVector(), ZuVector(2, 0, 0));
   line.setUnitVector({0, 0, 0});

@@ -1,5 +1,4 @@
 // What changes meshes: fits, merges, scales, deformations.
-#include <gtest/gtest.h>
 
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
@@ -7,9 +6,7 @@
 #include "geometry/zuPolygonWithKey.h"
 #include "geometry/zuSphere.h"
 #include "tests/meshSamples.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 TEST(MeshChange, FittedToPointsItIsTheirHull) {
   ZuXmlVectorVector points(cubePoints());
@@ -88,8 +85,7 @@ TEST(MeshChange, MovesAndReflectionsMoveEveryAnswerAndKeepFacetsFacingOutward) {
   EXPECT_NEAR(extentVolume(mesh), 8.0, 1e-15);
   mesh.scaleBy(-1.0);
   EXPECT_NEAR(extentVolume(mesh), 8.0, 1e-15);
-  RandomValues random(31);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(31);
   ZuPolyPhysicalExtent moved = mesh;
   ZuCoordinateSystemTransformation const xform = random.transformation(3.0);
   moved.transformBy(xform);

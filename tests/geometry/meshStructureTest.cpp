@@ -1,5 +1,4 @@
 // Neighbours, lines and normals of meshes, clean and dirty.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
@@ -7,8 +6,7 @@
 #include "geometry/zuPlane.h"
 #include "geometry/zuPolygon.h"
 #include "tests/meshSamples.h"
-#include "tests/printSink.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 

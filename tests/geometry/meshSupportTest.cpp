@@ -1,11 +1,6 @@
 // Support points of meshes: the climb, its ties and messages, and the scan.
-#include <gtest/gtest.h>
-
 #include "tests/allocationCounter.h"
 #include "tests/meshSamples.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
 
 namespace {
 
@@ -13,13 +8,6 @@ double highest(ZuXmlVectorVector const& points, ZuVector const& direction) {
   double best = points[0].dot(direction);
   for (ZuVector const& p : points) best = std::max(best, p.dot(direction));
   return best;
-}
-
-ZuXmlVectorVector ballPoints(unsigned int count) {
-  RandomValues random(count);
-  ZuXmlVectorVector points;
-  for (unsigned int i = 0; i < count; ++i) points.pushBack(random.direction());
-  return points;
 }
 
 std::string const theNoInfo = "ZuBasePhysicalExtent::supportPoint this physical ext has no neighbor info.";
@@ -33,19 +21,16 @@ TEST(MeshSupport, ZeroDirectionGivesTheFirstUsedPointOfAConvexMeshAndPointZeroOt
   Loops loops = cubeLoops();
   std::vector<ZuVector> points = cubePoints();
   points.insert(points.begin(), 2, ZuVector(0.5, 0.5, 0.5));
-  for (auto& loop : loops) {
+  for (auto& loop : loops)
     for (unsigned int& corner : loop) corner += 2;
-  }
   auto mesh = meshOf<ZuPolyPhysicalExtent>(points, loops);
   mesh.setSupportPointID(8);
   EXPECT_EQ(mesh.supportPoint(ZuVector()), points[0]);
-  EXPECT_EQ(mesh.supportPoint(ZuVector(0, 0, 1)), points[6]);  // the scan keeps the lowest of equals
-  EXPECT_EQ(mesh.supportPointID(), 6U);
+  EXPECT_TRUE(mesh.supportPoint(ZuVector(0, 0, 1)) == points[6] && mesh.supportPointID() == 6) << "lowest of equals";
   EXPECT_EQ(mesh.computeSupportPoint(ZuVector(-1, 0, 0)), points[2]);
   mesh.setIsConvex(true);
   mesh.initNeighborInformation();
-  EXPECT_EQ(mesh.supportPoint(ZuVector()), points[2]);
-  EXPECT_EQ(mesh.supportPointID(), 2U);
+  EXPECT_TRUE(mesh.supportPoint(ZuVector()) == points[2] && mesh.supportPointID() == 2);
   EXPECT_EQ(mesh.computeSupportPoint(ZuVector()), points[2]);
   EXPECT_EQ(mesh.supportPoint(ZuVector(1, 1, 1)), points[9]);
 }
@@ -67,8 +52,7 @@ TEST(MeshSupport, WithoutNeighboursAConvexMeshSaysSoAndStaysAtPointZero) {
   }
 }
 
-// From the lowest corner of an octahedron all four neighbours are equally high; the last one that a facet names is
-// taken.
+// From the lowest corner of an octahedron all four neighbours are equally high.
 TEST(MeshSupport, ClimbTakesTheLastOfEqualNeighboursAndMovesOnAlongTies) {
   ZuTriPhysicalExtent mesh = meshOf<ZuTriPhysicalExtent>(
       {{0, 0, -1}, {1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}, {0, 0, 1}},
@@ -78,11 +62,9 @@ TEST(MeshSupport, ClimbTakesTheLastOfEqualNeighboursAndMovesOnAlongTies) {
   double dot = 0.0;
   unsigned int index = 0;
   EXPECT_TRUE(mesh.bestNeighbor(ZuVector(0, 0, 1), dot, index));
-  EXPECT_EQ(index, 4U);  // 2, 1, 3, 4: in the order of the facets, loop by loop
-  EXPECT_EQ(dot, 0.0);
-  EXPECT_TRUE(mesh.bestNeighbor(ZuVector(0, 0, 1), dot, index));  // nobody is left, point 0 itself having been visited
-  EXPECT_EQ(index, 0U);
-  EXPECT_EQ(dot, -1e16);
+  EXPECT_TRUE(index == 4 && dot == 0.0) << "2, 1, 3, 4: in the order of the facets, loop by loop";
+  EXPECT_TRUE(mesh.bestNeighbor(ZuVector(0, 0, 1), dot, index));
+  EXPECT_TRUE(index == 0 && dot == -1e16) << "nobody is left, point 0 itself having been visited";
   // Points 1 and 2 are equally far; from either, where the last answer was, the climb takes the other.
   for (unsigned int const start : {1U, 2U}) {
     mesh.setSupportPointID(start);
@@ -110,8 +92,7 @@ TEST(MeshSupport, CornersThatAreNotThereAreToldAndPassedOver) {
 }
 
 TEST(MeshSupport, HullsOfRealMeshesAnswerTheFarthestVertex) {
-  RandomValues random(5);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(5);
   for (std::string const& name : meshFiles()) {
     SCOPED_TRACE(name);
     ZuPolyPhysicalExtent const mesh = realMesh(name);
@@ -131,8 +112,11 @@ TEST(MeshSupport, HullsOfRealMeshesAnswerTheFarthestVertex) {
 }
 
 TEST(MeshSupport, FacetsWithVerticesOfTheirOwnAreScannedForTheEngineAndNothingAllocates) {
+  TracedValues random(3);
+  ZuXmlVectorVector ball;
+  for (int i = 0; i < 100; ++i) ball.pushBack(random.direction());
   ZuTriPhysicalExtent hull;
-  ASSERT_TRUE(hull.convexHull(ballPoints(100)));
+  ASSERT_TRUE(hull.convexHull(ball));
   std::vector<ZuVector> points;
   Loops loops;
   for (auto const& loop : loopsOf(hull)) {
@@ -142,9 +126,7 @@ TEST(MeshSupport, FacetsWithVerticesOfTheirOwnAreScannedForTheEngineAndNothingAl
   }
   auto soup = meshOf<ZuTriPhysicalExtent>(points, loops);
   soup.setIsConvex(true);
-  hull.computeSupportPoint(ZuVector(1, 0, 0));  // builds what is built once
-  soup.computeSupportPoint(ZuVector(1, 0, 0));
-  RandomValues random(3);
+  for (auto const* mesh : {&hull, &soup}) mesh->computeSupportPoint(ZuVector(1, 0, 0));  // builds what is built once
   AllocationCounter const counter;
   for (int i = 0; i < 100; ++i) {
     ZuVector const direction = random.direction();

@@ -1,12 +1,9 @@
-#include <gtest/gtest.h>
-
 #include "geometry/zuCircle.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuPlane.h"
 #include "geometry/zuRectangle.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 static double constexpr theEps = 0x1p-52;
 
@@ -41,8 +38,7 @@ TEST(Plane, SegmentsAndFlatFiguresAreSeenFromTheLesserSignedEnd) {
 }
 
 TEST(Plane, DistanceAndProjectionAgreeForNormalsOfAnyLength) {
-  RandomValues random(411);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(411);
   int above = 0;
   for (int i = 0; i < 200; ++i) {
     ZuVector const base = random.vector(), normal = random.direction(), p = random.vector(3.0);
@@ -64,8 +60,7 @@ TEST(Plane, DistanceAndProjectionAgreeForNormalsOfAnyLength) {
 }
 
 TEST(Plane, TransformedCopiesKeepTheDistancesOfMovedPoints) {
-  RandomValues random(412);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(412);
   for (int i = 0; i < 100; ++i) {
     ZuCoordinateSystemTransformation const xform = random.transformation();
     ZuPlane const plane(random.vector(), random.vector());
@@ -77,8 +72,7 @@ TEST(Plane, TransformedCopiesKeepTheDistancesOfMovedPoints) {
 }
 
 TEST(Plane, DiscsAreSeenByTheRuleOfSegmentsWithAClosestPairOfPoints) {
-  RandomValues random(64);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(64);
   int sides[3] = {0, 0, 0};
   for (int i = 0; i < 1000; ++i) {
     ZuPlane const plane(random.vector(), random.direction());

@@ -1,17 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <map>
-#include <numeric>
 #include <tuple>
 
-#include "foundation/zuManipulatorSystem.h"
 #include "geometry/zuGeneralMotion.h"
-#include "geometry/zuShapeProximityDescriptor.h"
-#include "geometry/zuSystemShapeProximityState.h"
 #include "tests/allocationCounter.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/proximityFixture.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -20,6 +13,7 @@ using Data = ZuShapeProximityData;
 using State = ZuSystemShapeProximityState;
 using Motion = ZuGeneralMotion;
 using Transformation = ZuCoordinateSystemTransformation;
+using Numbers = std::vector<double>;
 
 int constexpr theReserved = -2;
 
@@ -37,11 +31,14 @@ struct CountedSystem : ZuManipulatorSystem {
   }
   std::vector<Key> keys() const {
     std::vector<Key> all;
-    for (int m = 0; m < static_cast<int>(shapes.size()); ++m) {
-      auto const& slots = shapes[static_cast<std::size_t>(m)];
-      for (std::size_t slot = 0; slot < slots.size(); ++slot)
-        for (unsigned int id = 0; id < slots[slot]; ++id)
-          all.emplace_back(m, slot == 0 ? theReserved : static_cast<int>(slot) - 1, static_cast<int>(id));
+    int manipulator = -1;
+    for (auto const& slots : shapes) {
+      int link = theReserved;
+      ++manipulator;
+      for (unsigned int const count : slots) {
+        for (unsigned int id = 0; id < count; ++id) all.emplace_back(manipulator, link, static_cast<int>(id));
+        link = std::max(link + 1, 0);
+      }
     }
     return all;
   }
@@ -94,39 +91,30 @@ Data distinctData() {
   data.setStaticStartPrimaryFrame1InSystem(Transformation({11, 0, 0}));
   data.setStaticStartPrimaryFrame2InSystem(Transformation({12, 0, 0}));
   data.insertPenetrationPointShape1Primary({13, 0, 0});
-  data.insertPenetrationPointShape2Primary({14, 0, 0});
-  data.insertPenetrationPointShape2Primary({15, 0, 0});
+  for (double x : {14, 15}) data.insertPenetrationPointShape2Primary({x, 0, 0});
   return data;
 }
 
-/// The numbers that distinctData() gave the fields from the line of action on.
-std::vector<double> contactNumbers(Data const& d) {
+/// The numbers that distinctData() gave the fields from the line of action on; 1 to 15.
+Numbers contactNumbers(Data const& d) {
   auto const newest = [](ZuVector const* p) { return p == nullptr ? 0.0 : p->x(); };
-  return {d.lineOfAction().x(),
-          d.collisionPointPrimaryObject1().x(),
-          d.collisionPointPrimaryObject2().x(),
-          d.staticStartCollisionPointInPrimary1().x(),
-          d.staticStartCollisionPointInPrimary2().x(),
-          d.relXformObject1().translation().x(),
-          d.lastVelocityPrimaryObject1()[0],
-          d.lastVelocityPrimaryObject2()[0],
-          d.velocityPrimaryObject1()[0],
-          d.velocityPrimaryObject2()[0],
-          d.staticStartPrimaryFrame1InSystem().translation().x(),
-          d.staticStartPrimaryFrame2InSystem().translation().x(),
-          newest(d.getPenetrationPointShape1Primary(0)),
-          newest(d.getPenetrationPointShape2Primary(1)),
-          newest(d.getPenetrationPointShape2Primary(0))};
+  auto const list = [](auto... numbers) { return Numbers{numbers...}; };
+  return list(d.lineOfAction().x(), d.collisionPointPrimaryObject1().x(), d.collisionPointPrimaryObject2().x(),
+              d.staticStartCollisionPointInPrimary1().x(), d.staticStartCollisionPointInPrimary2().x(),
+              d.relXformObject1().translation().x(), d.lastVelocityPrimaryObject1()[0],
+              d.lastVelocityPrimaryObject2()[0], d.velocityPrimaryObject1()[0], d.velocityPrimaryObject2()[0],
+              d.staticStartPrimaryFrame1InSystem().translation().x(),
+              d.staticStartPrimaryFrame2InSystem().translation().x(), newest(d.getPenetrationPointShape1Primary(0)),
+              newest(d.getPenetrationPointShape2Primary(1)), newest(d.getPenetrationPointShape2Primary(0)));
 }
 
 }  // namespace
 
 TEST(CacheKey, IdsDefaultToNoneAndAllCountInEquality) {
   Key const key(1, 2, 3), none;
-  EXPECT_TRUE(key == Key::testObject() && key.selfTest() && Key::nullObject().selfTest());
   for (Key const& other : {Key(0, 2, 3), Key(1, 0, 3), Key(1, 2, 0), Key(ZuLinkStateCacheKey(1, 2))})
     EXPECT_NE(key, other);
-  EXPECT_TRUE(none == Key::invalidKey() && none == Key::nullObject());
+  EXPECT_TRUE(none == Key::invalidKey() && none == Key::nullObject() && none.selfTest() && key.selfTest());
   EXPECT_EQ(none.manipID() & none.linkID() & none.shapeID(), 4294967295U);
   EXPECT_EQ(Key(ZuLinkStateCacheKey(ZuManipulatorStateCacheKey(7))), Key(7, -1, -1));
   ZuShapeProximityDescriptor descriptor;
@@ -138,9 +126,7 @@ TEST(CacheKey, IdsDefaultToNoneAndAllCountInEquality) {
 
 TEST(ProximityData, EveryFieldIsStoredInItsOwnPlaceAndCopiedDeep) {
   Data const data = distinctData();
-  std::vector<double> expected(15);
-  std::iota(expected.begin(), expected.end(), 1.0);
-  EXPECT_EQ(contactNumbers(data), expected);
+  EXPECT_EQ(contactNumbers(data), (Numbers{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
   ZuVector w1, w2;
   data.getWitnessPoints(w1, w2);
   EXPECT_EQ(std::make_tuple(data.distance(), data.proximityVector().z(), w1.z(), w2.z(), data.witnessPointsUpdateTime(),
@@ -153,15 +139,14 @@ TEST(ProximityData, EveryFieldIsStoredInItsOwnPlaceAndCopiedDeep) {
   assigned = data;
   EXPECT_TRUE(copy == data && assigned == data && data.selfTest());
   copy.insertPenetrationPointShape1Primary({1, 1, 1});
-  EXPECT_FALSE(copy == data);
-  EXPECT_EQ(contactNumbers(data)[12], 13.0);
+  EXPECT_TRUE(!(copy == data) && contactNumbers(data)[12] == 13.0);
   assigned = Data();
   EXPECT_FALSE(assigned.hasContactData());
   assigned.setLineOfAction({});
   EXPECT_TRUE(assigned.hasContactData() && assigned == Data()) << "contact data of initial values";
   copy = data;
   copy.startContact();
-  EXPECT_EQ(contactNumbers(copy), (std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 11, 12, 0, 0, 0})) << "at rest";
+  EXPECT_EQ(contactNumbers(copy), (Numbers{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 11, 12, 0, 0, 0})) << "at rest";
   EXPECT_EQ(copy.frictionMode(), 2);
 }
 
@@ -177,13 +162,10 @@ TEST(ProximityData, APairThatNeverTouchedAllocatesNothingAndItsRecordIsSmall) {
   EXPECT_TRUE(data.lineOfAction() == ZuVector() && data.velocityPrimaryObject1() == Motion::nullObject());
   EXPECT_TRUE(data.numPenetrationPoints() == 0U && data.penetrationPointPrimary(2, 0) == nullptr);
   EXPECT_EQ(counter.count(), 0U);
-  struct {
-    unsigned int manipulators, links, shapesOfALink;
-  } const cases[] = {{10, 10, 1}, {10, 10, 10}, {2, 7, 7}, {100, 1, 1}};
-  for (auto const& c : cases) {
-    double const shapes = c.manipulators * c.links * c.shapesOfALink;
-    std::vector<unsigned int> const slots(c.links, c.shapesOfALink);
-    CountedSystem const system(std::vector<std::vector<unsigned int>>(c.manipulators, slots));
+  // Manipulators, links of each, shapes of a link.
+  for (auto const& [m, l, n] : {std::make_tuple(10U, 10U, 1U), {10U, 10U, 10U}, {2U, 7U, 7U}, {100U, 1U, 1U}}) {
+    CountedSystem const system(std::vector<std::vector<unsigned int>>(m, std::vector<unsigned int>(l, n)));
+    double const shapes = m * l * n;
     AllocationCounter const ofSystem;
     State state;
     ASSERT_TRUE(state.resizeDatabaseToSystem(system));
@@ -198,19 +180,13 @@ TEST(ProximityData, TheStepBeforeIsTakenOverStraightOrExchanged) {
   exchanged.setAndInvertDynamicSimulationDataFromLast(last);
   itself.setAndInvertDynamicSimulationDataFromLast(itself);
   copied.copyDataWithDirectionalInversion(last);
-  using Numbers = std::vector<double>;
   EXPECT_EQ(contactNumbers(straight), (Numbers{0, 0, 0, 4, 5, 0, 9, 10, 0, 0, 11, 12, 13, 14, 15}));
   EXPECT_EQ(contactNumbers(exchanged), (Numbers{0, 0, 0, 5, 4, 0, 10, 9, 0, 0, 12, 11, 15, 0, 13}));
   EXPECT_EQ(contactNumbers(copied), (Numbers{1, 2, 3, 5, 4, 6, 10, 9, 9, 10, 12, 11, 15, 0, 13}));
   EXPECT_EQ(itself, copied);
   EXPECT_TRUE(straight.frictionMode() == Data::STATIC_FRICTION && exchanged.frictionMode() == Data::STATIC_FRICTION);
-  // The indices go with their rings.
   exchanged.insertPenetrationPointShape1Primary({16, 0, 0});
-  EXPECT_EQ(exchanged.getPenetrationPointShape1Primary(2)->x(), 14.0);
-  copied.setAndInvertDynamicSimulationDataFromLast(copied);
-  copied.setLastVelocityPrimaryObject1(last.lastVelocityPrimaryObject1());
-  copied.setLastVelocityPrimaryObject2(last.lastVelocityPrimaryObject2());
-  EXPECT_EQ(copied, last);
+  EXPECT_EQ(exchanged.getPenetrationPointShape1Primary(2)->x(), 14.0) << "the indices go with their rings";
 }
 
 TEST(ProximityData, TheRingKeepsTheLastFortyPoints) {
@@ -230,8 +206,7 @@ TEST(ProximityData, TheRingKeepsTheLastFortyPoints) {
     EXPECT_EQ(data.getPenetrationPointShape1Primary(4294967295U) == nullptr, count < 40);
   }
   PrintSink const sink;
-  EXPECT_EQ(data.penetrationPointPrimary(0, 0), nullptr);
-  EXPECT_EQ(sink.messages().size(), 1U);
+  EXPECT_TRUE(data.penetrationPointPrimary(0, 0) == nullptr && sink.messages().size() == 1);
   data.resetPenetrationPointBuffers();
   EXPECT_EQ(data.getPenetrationPointShape2Primary(0), nullptr);
   data.insertPenetrationPointShape1Primary({7, 7, 7});
@@ -239,8 +214,7 @@ TEST(ProximityData, TheRingKeepsTheLastFortyPoints) {
 }
 
 TEST(ProximityState, HoldsOneRecordForEachPairThroughGrowingAndShrinking) {
-  RandomValues random(431);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(431);
   State state;
   Model model;
   std::size_t kept = 0;
@@ -265,16 +239,14 @@ TEST(ProximityState, HoldsOneRecordForEachPairThroughGrowingAndShrinking) {
 }
 
 TEST(ProximityState, PairsOfDifferentManipulatorsAreStoredInOneOrder) {
-  State state;
-  ASSERT_TRUE(state.resizeDatabaseToSystem(CountedSystem({{0, 2, 2}, {0, 2, 2}})));
-  Key const a(0, 0, 1), b(1, 1, 0);
-  Key first(a), second(b);
-  for (int time = 0; time < 2; ++time)
-    EXPECT_TRUE(state.makeKeysCompatible(first, second) && first == b && second == a) << time;
-  struct Unordered : State {
+  struct : State {
     bool makeKeysCompatible(Key&, Key&) const override { return true; }
   } unordered;
   ASSERT_TRUE(unordered.resizeDatabaseToSystem(CountedSystem({{0, 2, 2}, {0, 2, 2}})));
+  Key const a(0, 0, 1), b(1, 1, 0);
+  Key first(a), second(b);
+  for (int time = 0; time < 2; ++time)
+    EXPECT_TRUE(unordered.State::makeKeysCompatible(first, second) && first == b && second == a) << time;
   EXPECT_NE(unordered.getData(b, a), nullptr);
   EXPECT_EQ(unordered.getData(a, b), nullptr) << "a pair in the order that is not stored";
 }
@@ -294,8 +266,7 @@ TEST(ProximityState, AllocatingOperationsGrowAndGiveUpNothing) {
   EXPECT_TRUE(state.allocateAndSetProximityData(other, other, scene, Data::testObject()));
   EXPECT_EQ(*static_cast<State const&>(state).allocateAndGetProximityData(other, other, scene), Data::testObject());
   AllocationCounter const counter;
-  Data* const record = state.allocateAndGetProximityData(other, link, scene);
-  EXPECT_EQ(record, state.getProximityData(other, link));
+  EXPECT_EQ(state.allocateAndGetProximityData(other, link, scene), state.getProximityData(other, link));
   EXPECT_EQ(counter.count(), 0U);
 }
 
@@ -327,33 +298,33 @@ TEST(ProximityState, OperationsReachTheRecordAndWithoutOneDoNothing) {
   State built, missing;
   ASSERT_TRUE(built.resizeDatabaseToSystem(CountedSystem({{0, 2}})));
   missing.setIsInitialized(true);
-  EXPECT_TRUE(missing.isInitialized());
   for (State* state : {&built, &missing}) {
     bool const has = state == &built;
+    auto const set = [has](double value) { return has ? value : 0.0; };
     EXPECT_EQ(state->setDistance(a, b, 1.0), has);
-    state->setProximityVector(a, b, {1, 0, 0});
+    state->setProximityVector(a, b, {2, 0, 0});
     state->setWitnessPoints(a, b, {4, 0, 0}, {5, 0, 0});
     state->setCollisionOccured(a, b, true);
     state->setFrictionMode(a, b, Data::NEW_CONTACT);
-    state->insertPenetrationPointShape1Primary(a, b, {2, 0, 0});
-    state->insertPenetrationPointShape2Primary(a, b, {3, 0, 0});
+    state->insertPenetrationPointShape1Primary(a, b, {6, 0, 0});
+    state->insertPenetrationPointShape2Primary(a, b, {7, 0, 0});
     ZuVector w1(1, 1, 1), w2(1, 1, 1);
     state->getWitnessPoints(a, b, w1, w2);
-    EXPECT_EQ(std::make_tuple(state->getDistance(a, b), state->getProximityVector(a, b).x(), w1.x(), w2.x(),
-                              state->collisionOccured(a, b)),
-              std::make_tuple(has ? 1.0 : 0.0, has ? 1.0 : 0.0, has ? 4.0 : 0.0, has ? 5.0 : 0.0, has));
     Data const& record = state->datum(a, b);
+    Numbers const numbers = contactNumbers(record);
+    EXPECT_EQ((Numbers{state->getDistance(a, b), state->getProximityVector(a, b).x(), w1.x(), w2.x(), numbers[12],
+                       numbers[14]}),
+              (Numbers{set(1.0), set(2.0), set(4.0), set(5.0), set(6.0), set(7.0)}));
+    EXPECT_EQ(state->collisionOccured(a, b), has);
     EXPECT_EQ(record.frictionMode(), has ? Data::NEW_CONTACT : Data::NO_FRICTION);
-    EXPECT_TRUE(contactNumbers(record)[12] == (has ? 2.0 : 0.0) && contactNumbers(record)[14] == (has ? 3.0 : 0.0));
     State const copy(*state);
-    EXPECT_TRUE(copy == *state && state->selfTest());
+    EXPECT_TRUE(copy == *state && state->selfTest() && state->isInitialized());
     state->resetPenetrationPointBuffers(a, b);
     EXPECT_EQ(state->datum(a, b).numPenetrationPoints(), 0U);
     EXPECT_EQ(copy == *state, !has);
     EXPECT_EQ(state->setProximityData(b, a, record), has);
     state->setValid(a, b);
-    EXPECT_EQ(state->isValid(a, b) && state->isDistanceValid(a, b) && state->areWitnessPointsValid(a, b), has);
-    EXPECT_EQ(state->isValid(a, b) || state->isDistanceValid(a, b) || state->areWitnessPointsValid(a, b), has);
+    EXPECT_EQ(state->isValid(a, b) + state->isDistanceValid(a, b) + state->areWitnessPointsValid(a, b), has ? 3 : 0);
   }
   EXPECT_EQ(State::m_theNullShapeData, Data());
 }
@@ -365,8 +336,7 @@ TEST(ProximityState, ASystemTooLargeToHoldIsRefusedAndChangesNothing) {
   // Too many shapes to number, too many pairs to number, too many pairs to hold.
   for (auto const& counts : {std::vector<unsigned int>{4294967295U, 1}, {0, 4294967295U}, {0, 2000000000U}}) {
     EXPECT_FALSE(state.resizeDatabaseToSystem(CountedSystem({counts})));
-    ASSERT_EQ(sink.take(),
-              std::vector<std::string>{"ZuBaseShapeDataCache::fitTo-->no memory for the pairs of 1 manipulators"});
+    EXPECT_EQ(sink.take(), Messages{"ZuBaseShapeDataCache::fitTo-->no memory for the pairs of 1 manipulators"});
     EXPECT_EQ(state.getDistance({0, 0, 0}, {0, 0, 0}), 3.0);
   }
 }

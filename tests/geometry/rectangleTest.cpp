@@ -1,8 +1,6 @@
 // The flat figures: rectangles and discs.
 #include "geometry/zuRectangle.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -11,9 +9,7 @@
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuLineSegment.h"
 #include "tests/minimumNorm.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -35,8 +31,7 @@ ZuLineSegment randomSegment(RandomValues& random) {
 }  // namespace
 
 TEST(Rectangle, DistancesAreThoseOfTheHullOfTheCorners) {
-  RandomValues random(61);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(61);
   int crossing = 0;
   for (int i = 0; i < 400; ++i) {
     ZuRectangle const r = randomRectangle(random), other = randomRectangle(random);
@@ -69,9 +64,9 @@ TEST(Rectangle, CornersRunCounterClockwiseAboutTheNormal) {
   EXPECT_TRUE((x * r).corner(1).approxEq(x * expected[1], 1e-14));
   PrintSink sink;
   EXPECT_TRUE(r.corner(4) == expected[0] && r.halfEdge(2) == r.halfEdge(1) && r.side(7) == r.side(0));
-  EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuRectangle::corner-->index 4 out of range",
-                                                   "ZuRectangle::halfEdge-->index 2 out of range",
-                                                   "ZuRectangle::side-->index 7 out of range"}));
+  EXPECT_EQ(sink.take(),
+            (Messages{"ZuRectangle::corner-->index 4 out of range", "ZuRectangle::halfEdge-->index 2 out of range",
+                      "ZuRectangle::side-->index 7 out of range"}));
 }
 
 TEST(Rectangle, ObliqueHalfEdgesOfADocumentAreMadePerpendicular) {
@@ -83,8 +78,7 @@ TEST(Rectangle, ObliqueHalfEdgesOfADocumentAreMadePerpendicular) {
 }
 
 TEST(Circle, DistancesToPointsAreThoseOfTheDiscAndTheRim) {
-  RandomValues random(62);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(62);
   for (int i = 0; i < 1000; ++i) {
     ZuCircle const c(random.vector(), random.direction(), random.real(0.0, 1.0));
     ZuVector const across = (c.closestPointOnRim(random.vector()) - c.center()).unitVector();
@@ -99,8 +93,7 @@ TEST(Circle, DistancesToPointsAreThoseOfTheDiscAndTheRim) {
 }
 
 TEST(Circle, DistanceToASegmentIsLeastAtItsParameter) {
-  RandomValues random(63);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(63);
   int crossing = 0, inner = 0;
   for (int i = 0; i < 2000; ++i) {
     ZuCircle const c(random.vector(), random.direction(), random.real(0.0, 1.0));
@@ -126,7 +119,7 @@ TEST(Circle, DistanceToASegmentIsLeastAtItsParameter) {
 TEST(Circle, ANormalWithoutDirectionIsRefused) {
   PrintSink sink;
   ZuCircle const c({1, 2, 3}, {0, 0, 0}, 2);
-  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuCircle::setNormal-->no direction (0 0 0)"});
+  EXPECT_EQ(sink.take(), Messages{"ZuCircle::setNormal-->no direction (0 0 0)"});
   EXPECT_EQ(c.normal(), ZuVector(0, 0, 1));
   ZuCircle read;
   ASSERT_TRUE(read.readFromBuffer("<c><normal>0 3 4</normal></c>"));

@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <sstream>
 
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -56,8 +53,7 @@ TYPED_TEST(SpatialVector, ArithmeticIsScalarByScalar) {
 }
 
 TYPED_TEST(SpatialVector, TransformationsComposeAndTheIdentityChangesNoBit) {
-  RandomValues random(61);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(61);
   for (int i = 0; i < 100; ++i) {
     TypeParam const x(random.vector(), random.vector());
     ZuCoordinateSystemTransformation const s = random.transformation(), t = random.transformation();
@@ -70,8 +66,7 @@ TYPED_TEST(SpatialVector, TransformationsComposeAndTheIdentityChangesNoBit) {
 }
 
 TEST(SpatialVector, PowerDoesNotDependOnTheFrame) {
-  RandomValues random(62);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(62);
   auto const power = [](ZuGeneralForce const& f, ZuGeneralMotion const& v) {
     return f.linear().dot(v.linear()) + f.angular().dot(v.angular());
   };

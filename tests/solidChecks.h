@@ -1,0 +1,95 @@
+// solidChecks.h - what every solid has to keep, held by its own distance from points.
+#pragma once
+
+#include "geometry/zuLineSegment.h"
+#include "geometry/zuShapePointEvent.h"
+#include "geometry/zuSphere.h"
+#include "tests/extentChecks.h"
+#include "tests/proximityFixture.h"
+#include "tests/testValues.h"
+
+class SolidTest : public ProximityTest {
+ protected:
+  /// All questions about a shape of that type print both types, answer 0 or false and change nothing.
+  template <class Solid>
+  void expectUnanswered(std::string const& className, Solid const& solid, int type) {
+    struct Other : Solid {
+      explicit Other(int type) : m_Type(static_cast<ZuShape::ZuShapeValues>(type)) {}
+      ZuShape::ZuShapeValues type() const override { return m_Type; }
+      ZuShape::ZuShapeValues m_Type;
+    } const other(type);
+    ZuVector w1(1, 2, 3), w2(4, 5, 6), direction;
+    double d = 7.0;
+    PrintSink sink;
+    EXPECT_EQ(distance(solid, other, {}), 0.0);
+    EXPECT_FALSE(touch(solid, other, {}) || witness(solid, other, {}, w1, w2) != 0.0);
+    EXPECT_FALSE(solid.computeDistanceAndWitnessPoints(other, {}, false, w1, w2, d, direction));
+    EXPECT_TRUE(w1 == ZuVector(1, 2, 3) && w2 == ZuVector(4, 5, 6) && d == 7.0);
+    std::string const pair =
+        " from shapeID (" + std::to_string(solid.type()) + ") to shapeID (" + std::to_string(type) + ") not supported";
+    EXPECT_EQ(sink.take(), (std::vector<std::string>{className + "::distanceTo-->Distance" + pair,
+                                                     className + "::checkIntersect-->Check" + pair,
+                                                     className + "::distanceAndWitnessPointsTo-->Distance" + pair}));
+  }
+};
+
+/// Whether they meet. The segment enters and leaves where the distance changes its sign, and normals lead straight out.
+template <class Solid>
+bool checkSegment(Solid const& solid, ZuLineSegment const& s) {
+  ZuShapePointEvent event;
+  EXPECT_EQ(solid.intersectLineSegment(s, event), solid.checkIntersect(s));
+  EXPECT_EQ(event.hit, solid.checkIntersect(s));
+  for (double t = 0.0625; t < 1.0; t += 0.0625) {
+    double const d = solid.distanceTo(s.endpoint0() + t * s.delta());
+    bool const between = event.hit && t > event.entry.t && t < event.exit.t;
+    EXPECT_TRUE(std::abs(d) <= 1e-12 || (d < 0.0) == between) << t;
+  }
+  if (!event.hit) return false;
+  EXPECT_EQ(event.startsInside, solid.distanceTo(s.endpoint0()) < 0.0);
+  EXPECT_EQ(event.endsInside, solid.distanceTo(s.endpoint1()) < 0.0);
+  for (auto const& [place, inside] : {std::pair(event.entry, event.startsInside), {event.exit, event.endsInside}}) {
+    double const d = solid.distanceTo(place.point);
+    EXPECT_TRUE(place.point.approxEq(s.endpoint0() + place.t * s.delta(), 1e-14));
+    EXPECT_TRUE(inside || std::abs(d) < 1e-12) << d;
+    EXPECT_NEAR(solid.distanceTo(place.point + place.normal), inside ? d : 1.0, 1e-10);
+  }
+  return true;
+}
+
+/// Moved and scaled copies answer alike, and their chains with them.
+template <class Solid>
+void checkMovesAndScales(Solid const& solid, RandomValues& random) {
+  ZuCoordinateSystemTransformation const x = random.transformation();
+  double const factor = random.scale(0.1, 3.0);
+  ZuSphere const bound(random.vector(), 0.5, 3);
+  Solid moved = solid;
+  moved.addExplicitBoundingVolume(bound);
+  Solid scaled = moved;
+  moved.transformBy(x);
+  scaled.scaleBy(factor);
+  ZuVector const p = random.vector(3.0);
+  EXPECT_NEAR(moved.distanceTo(x * p), solid.distanceTo(p), 1e-14);
+  EXPECT_NEAR(scaled.distanceTo(factor * p), factor * solid.distanceTo(p), 1e-13);
+  EXPECT_NEAR(moved.lowerFidelityRepresentation()->distanceTo(x * p), bound.distanceTo(p), 1e-14);
+  EXPECT_NEAR(scaled.lowerFidelityRepresentation()->distanceTo(factor * p), factor * bound.distanceTo(p), 1e-13);
+  EXPECT_NEAR(scaled.volume(), factor * factor * factor * solid.volume(), 1e-12);
+}
+
+/// Closed, convex, facing outward, with all points on the surface; each level misses a quarter of what the one before
+/// misses of the volume.
+template <class Solid>
+void checkTessellations(Solid solid) {
+  double missing = 0.0;
+  for (unsigned int level = 0; level < 5; ++level) {
+    solid.setDetailLevel(level);
+    solid.scaleBy(1.0);
+    ZuBasePhysicalExtent const& extent = solid.physicalExtent();
+    EXPECT_EQ(&extent, &solid.physicalExtent()) << "kept until the solid changes";
+    EXPECT_TRUE(extent.isConvex() && facetsCloseAndAreConvex(extent));
+    for (ZuVector const& p : extent.points()) ASSERT_NEAR(solid.distanceTo(p), 0.0, 1e-14);
+    double const lost = 1.0 - extentVolume(extent) / solid.volume();
+    EXPECT_TRUE(level < 2 || std::abs(missing / lost - 4.0) < 0.4) << missing / lost;
+    missing = lost;
+  }
+  EXPECT_LT(missing, 0.01);
+}
