@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "foundation/zuPrint.h"
+#include "geometry/zuCylinder.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuNearestPoints.h"
 #include "geometry/zuPointFit.h"
@@ -20,6 +21,10 @@ constexpr double thePi = 3.141592653589793;
 constexpr double theParallel = 1e-30;
 /// Cores closer than this, times the size of their coordinates, count as meeting: some roundings.
 constexpr double theMeeting = 16.0 * 0x1p-52;
+
+/// Of the search for the radius of a capsule about a solid: times the size of the solid, and how often.
+constexpr double theStepOfRadius = 0.1;
+constexpr unsigned int theStartsOfRadius = 3;
 
 double capsuleVolume(double length, double radius) { return thePi * radius * radius * (length + radius * (4.0 / 3.0)); }
 
@@ -70,6 +75,36 @@ void stretch(Axis const& axis, double radius, ZuVector const* points, std::size_
   }
 }
 
+/// The shortest capsule on the axis, of a radius not below the reach, that holds the points.
+PlainCapsule shortest(Axis const& axis, double radius, ZuVector const* points, std::size_t count) {
+  double first = HUGE_VAL;
+  double last = -HUGE_VAL;
+  stretch(axis, radius, points, count, first, last);
+  if (last < first) first = last = 0.5 * (first + last);  // a ball holds them: every core up to both ends does
+  return {ZuPlainSegment::between(axis.origin + first * axis.unit, axis.origin + last * axis.unit), radius};
+}
+
+/// The least capsule on the axis that holds the hull of the circles about it through the points: it holds a circle when
+/// it holds a point of it, and a hull when it holds what spans it.
+PlainCapsule leastAround(Axis const& axis, std::initializer_list<ZuVector> points) {
+  double const reach = axis.reach(points.begin(), points.size());
+  double const size = ZuPointSpread(points.begin(), points.size()).size;
+  auto const capsule = [&](double more) {
+    return shortest(axis, reach + std::abs(more) * size, points.begin(), points.size());
+  };
+  using Search = ZuSimplexSearch<1>;
+  auto const measure = [&](Search::Point const& x) {
+    PlainCapsule const c = capsule(x[0]);
+    return capsuleVolume(std::sqrt(c.core.lengthSquared), c.radius);
+  };
+  // The volume can fall again towards the ball: one search from either end.
+  Search::Result const thin = Search::minimum(measure, {0.0}, theStepOfRadius, theStartsOfRadius);
+  Search::Result const thick = Search::minimum(measure, {1.0}, theStepOfRadius, theStartsOfRadius);
+  PlainCapsule result = capsule(thick.value < thin.value ? thick.x[0] : thin.x[0]);
+  result.takeIn(points.begin(), points.size());
+  return result;
+}
+
 /// Least capsules: two variables tilt the axis, two shift it, and one makes the radius larger than need be, which may
 /// shorten the core by more than it costs.
 struct CapsuleRule {
@@ -82,14 +117,7 @@ struct CapsuleRule {
     ZuVector const& e2 = frame.axes[2];
     Axis const axis{frame.center + (x[2] * e1 + x[3] * e2) * frame.size,
                     (frame.axes[0] + x[0] * e1 + x[1] * e2).unitVector()};
-    double const radius = axis.reach(points, count) + std::abs(x[4]) * frame.size;
-    double first = HUGE_VAL;
-    double last = -HUGE_VAL;
-    stretch(axis, radius, points, count, first, last);
-    if (last < first) first = last = 0.5 * (first + last);  // a ball holds them: every core up to both ends does
-    PlainCapsule result{ZuPlainSegment::between(axis.origin + first * axis.unit, axis.origin + last * axis.unit),
-                        radius};
-    return result;
+    return shortest(axis, axis.reach(points, count) + std::abs(x[4]) * frame.size, points, count);
   }
   static double measure(PlainCapsule const& c) { return capsuleVolume(std::sqrt(c.core.lengthSquared), c.radius); }
   static double outside(PlainCapsule const& c, ZuVector const& p) { return c.outside(p); }
@@ -206,6 +234,14 @@ void ZuCapsule::fitFromShape(ZuShape const& other) {
     ZuCapsule const& capsule = as<ZuCapsule>(other);
     setLineSegment(capsule.lineSegment());
     setRadius(capsule.radius());
+  } else if (other.type() == CYLINDER) {
+    ZuCylinder const& cylinder = as<ZuCylinder>(other);
+    ZuLineSegment rim;
+    cylinder.computeLineSegmentOnLateralSurface(ZuVector(), rim);
+    ZuFrustum const solid = ZuFrustum::along(cylinder.lineSegment().plain(), 0.0, 0.0);
+    PlainCapsule const fit = leastAround({solid.base, solid.axis}, {rim.endpoint0(), rim.endpoint1()});
+    setLineSegment(ZuLineSegment(fit.core.endpoint0, fit.core.endpoint1));
+    setRadius(fit.radius);
   } else {
     printNotSupported("ZuCapsule::fitFromShape-->expand", other);
   }

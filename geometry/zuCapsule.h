@@ -37,7 +37,8 @@ class ZU_API ZuCapsule : public ZuXmlClass<ZuCapsule, ZuShape> {
 
   // Overrides; see ZuShape
 
-  /// Exact for spheres and capsules; a mesh goes through fitToPoints(). Anything else prints a line.
+  /// Exact for spheres and capsules; a mesh goes through fitToPoints(). Of a cylinder, the least capsule with its core
+  /// on the same axis. Anything else prints a line.
   void fitFromShape(ZuShape const& other) override;
   /// The same as supportPoint().
   ZuVector computeSupportPoint(ZuVector const& direction) const override;

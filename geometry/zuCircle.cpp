@@ -14,13 +14,6 @@ constexpr double thePi = 3.141592653589793;
 /// How far the length of a normal that is read may be from 1: more is a mistake, less is somebody's rounding.
 constexpr double theUnitTolerance = 1e-9;
 
-/// The part of w that is perpendicular to the unit vector. Taken twice: what the first rounding leaves along the vector
-/// would count where the part is short and then made long.
-ZuVector across(ZuVector const& w, ZuVector const& unit) {
-  ZuVector const once = w - w.dot(unit) * unit;
-  return once - once.dot(unit) * unit;
-}
-
 }  // namespace
 
 ZuCircle::ZuCircle(ZuVector const& center, ZuVector const& normal, double radius) : m_Center(center), m_Radius(radius) {
@@ -49,13 +42,13 @@ void ZuCircle::transformBy(ZuCoordinateSystemTransformation const& t_12) {
 }
 
 ZuVector ZuCircle::closestPoint(ZuVector const& point) const {
-  ZuVector const w = across(point - m_Center, m_Normal);
+  ZuVector const w = zuAcross(point - m_Center, m_Normal);
   double const radius = std::max(m_Radius.value(), 0.0);
   return center() + (w.magSquared() <= radius * radius ? w : w.unitVector() * radius);
 }
 
 ZuVector ZuCircle::closestPointOnRim(ZuVector const& point) const {
-  ZuVector direction = across(point - m_Center, m_Normal).unitVector();
+  ZuVector direction = zuAcross(point - m_Center, m_Normal).unitVector();
   if (direction == ZuVector()) direction = zuPerpendicular(m_Normal);
   return center() + direction * std::max(m_Radius.value(), 0.0);
 }

@@ -23,6 +23,13 @@ inline ZuVector zuPerpendicular(ZuVector const& u) {
   return perpendicular == ZuVector() ? axis : perpendicular;
 }
 
+/// The part of a vector that is across the unit vector. Exact where little is left of the vector too: what the first
+/// rounding leaves along the unit vector would count there, so it is taken off again.
+inline ZuVector zuAcross(ZuVector const& v, ZuVector const& unit) {
+  ZuVector const once = v - v.dot(unit) * unit;
+  return once - once.dot(unit) * unit;
+}
+
 /// The parameter, in [0, 1], of the point of the segment that is nearest to p; 0 for a degenerate segment.
 inline double zuNearestParameter(ZuVector const& p, ZuPlainSegment const& segment) {
   if (segment.lengthSquared <= 0.0) return 0.0;
@@ -57,44 +64,50 @@ inline ZuNearestPair zuNearestPair(ZuPlainSegment const& a, ZuPlainSegment const
   return {zuPointAt(a, s), zuPointAt(b, t)};
 }
 
-/// How often zuNearestParameterTo halves its interval at the least: two steps in three are quicker, every third one
-/// halves, and 54 halvings of [0, 1] leave nothing.
-inline constexpr int theZuNearestSteps = 3 * 54;
+/// How often zuRisingRoot halves its interval at the least: two steps in three are quicker, every third one halves, and
+/// 54 halvings of [0, 1] leave nothing.
+inline constexpr int theZuRootSteps = 3 * 54;
+
+/// Where a continuous function that never falls passes 0 between the bounds: `low` when it is not negative there,
+/// `high` when it is not positive there. The root is enclosed by false position with halved weights (the Illinois
+/// method, Dowell and Jarratt 1971) until no double is left inside.
+template <class Function>
+double zuRisingRoot(Function const& f, double low, double high) {
+  double fLow = f(low);
+  if (fLow >= 0.0) return low;
+  double fHigh = f(high);
+  if (fHigh <= 0.0) return high;
+  for (int step = 0; step < theZuRootSteps; ++step) {
+    double t = step % 3 == 2 ? 0.5 * (low + high) : low - fLow * ((high - low) / (fHigh - fLow));
+    if (!(t > low && t < high)) t = 0.5 * (low + high);
+    if (!(t > low && t < high)) break;
+    double const value = f(t);
+    if (value == 0.0) return t;
+    if (value < 0.0) {
+      low = t;
+      fLow = value;
+      fHigh *= 0.5;
+    } else {
+      high = t;
+      fHigh = value;
+      fLow *= 0.5;
+    }
+  }
+  return 0.5 * (low + high);
+}
 
 /// The parameter, in [0, 1], of the point of the segment that is nearest to a closed convex set, given the nearest
 /// point of the set for a point as `project(p)`.
 ///
 /// The squared distance of p(t) = endpoint0 + t * delta from the set is convex in t, and half its derivative is
-/// g(t) = (p(t) - project(p(t))) . delta, which therefore never falls. The root of g is enclosed by false position with
-/// halved weights (the Illinois method, Dowell and Jarratt 1971) until no double is left inside. Where the segment runs
+/// g(t) = (p(t) - project(p(t))) . delta, which therefore never falls; the answer is its root. Where the segment runs
 /// through the set, some point of the set is found.
 template <class Project>
 double zuNearestParameterTo(ZuPlainSegment const& segment, Project const& project) {
-  auto const slope = [&](double t) {
-    ZuVector const p = zuPointAt(segment, t);
-    return (p - project(p)).dot(segment.delta);
-  };
-  double low = 0.0;
-  double high = 1.0;
-  double gLow = slope(low);
-  if (gLow >= 0.0) return low;
-  double gHigh = slope(high);
-  if (gHigh <= 0.0) return high;
-  for (int step = 0; step < theZuNearestSteps; ++step) {
-    double t = step % 3 == 2 ? 0.5 * (low + high) : low - gLow * ((high - low) / (gHigh - gLow));
-    if (!(t > low && t < high)) t = 0.5 * (low + high);
-    if (!(t > low && t < high)) break;
-    double const g = slope(t);
-    if (g == 0.0) return t;
-    if (g < 0.0) {
-      low = t;
-      gLow = g;
-      gHigh *= 0.5;
-    } else {
-      high = t;
-      gHigh = g;
-      gLow *= 0.5;
-    }
-  }
-  return 0.5 * (low + high);
+  return zuRisingRoot(
+      [&](double t) {
+        ZuVector const p = zuPointAt(segment, t);
+        return (p - project(p)).dot(segment.delta);
+      },
+      0.0, 1.0);
 }

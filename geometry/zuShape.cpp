@@ -15,6 +15,7 @@
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuBasePhysicalExtent.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCylinder.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuGjk.h"
@@ -59,6 +60,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuCapsule>();
     case ZuShape::TETRAHEDRON:
       return std::make_unique<ZuTetrahedron>();
+    case ZuShape::CYLINDER:
+      return std::make_unique<ZuCylinder>();
     default:
       return nullptr;
   }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCylinder.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuSphere.h"
@@ -22,6 +23,7 @@ ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuSphere>(*this);
   registerSolid<ZuCapsule>(*this);
   registerSolid<ZuTetrahedron>(*this);
+  registerSolid<ZuCylinder>(*this);
   registerSolid<ZuPolyPhysicalExtent>(*this);
   registerSolid<ZuTriPhysicalExtent>(*this);
 }

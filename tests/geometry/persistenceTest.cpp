@@ -19,6 +19,7 @@
 #include "geometry/zuBrick.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCircle.h"
+#include "geometry/zuCylinder.h"
 #include "geometry/zuFacetGroups.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
@@ -59,7 +60,7 @@ using ValueClasses =
 using OwningClasses = std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
                                  ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
                                  ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon,
-                                 ZuPolygonWithKey, ZuCapsule, ZuTetrahedron, ZuFacetGroups, ZuBrick>;
+                                 ZuPolygonWithKey, ZuCapsule, ZuTetrahedron, ZuCylinder, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
