@@ -34,16 +34,18 @@ struct SortKey {
 
 }  // namespace
 
-ZuIntervalIntersectionProcessor::Bounds::Bounds(Box const& box)
-    : min{plainMinimum(box.minCorner().x()), plainMinimum(box.minCorner().y()), plainMinimum(box.minCorner().z())},
-      max{plainMaximum(box.maxCorner().x()), plainMaximum(box.maxCorner().y()), plainMaximum(box.maxCorner().z())} {}
+inline ZuIntervalIntersectionProcessor::Bounds::Bounds(Box const& box)
+    : axes{{plainMinimum(box.minCorner().x()), plainMaximum(box.maxCorner().x())},
+           {plainMinimum(box.minCorner().y()), plainMaximum(box.maxCorner().y())},
+           {plainMinimum(box.minCorner().z()), plainMaximum(box.maxCorner().z())}} {}
 
 /// Box::testIntersection(). Which axis separates is random, so the six comparisons cost less than a branch guessed
 /// wrong.
-bool ZuIntervalIntersectionProcessor::Bounds::meets(Bounds const& other) const {
+inline bool ZuIntervalIntersectionProcessor::Bounds::meets(Bounds const& other) const {
   int apart = 0;
   for (int axis = 0; axis < 3; ++axis) {
-    apart |= static_cast<int>(other.min[axis] > max[axis]) | static_cast<int>(min[axis] > other.max[axis]);
+    apart |= static_cast<int>(other.axes[axis].min > axes[axis].max) |
+             static_cast<int>(axes[axis].min > other.axes[axis].max);
   }
   return apart == 0;
 }
@@ -103,7 +105,7 @@ class ZuIntervalIntersectionProcessor::Exchanges {
   void flushEnds() {
     for (unsigned int k = 0; k < m_Ends.count; ++k) {
       auto const [mover, passed] = ZuPairTable::pair(m_Ends.pairs[k]);
-      m_Processor.removePair(ZuPairTable::key(mover, passed));
+      if (m_Processor.mayBePair(mover, passed)) m_Processor.removePair(ZuPairTable::key(mover, passed));
     }
     m_Ends.count = 0;
   }
@@ -277,7 +279,7 @@ void ZuIntervalIntersectionProcessor::takeBoxes(Boxes const& boxes) {
   // Nan was apart from everything; it separates from nothing from now on, as the next update() finds.
   for (unsigned int i = 0; i < count; ++i) {
     bool const hasNan = !(m_aabbs[i] == m_aabbs[i]);
-    if (hasNan) writeBounds(i);
+    if (hasNan) writeBounds(i, m_aabbs[i]);
   }
   buildIntersectionVector();
 }
@@ -313,6 +315,7 @@ void ZuIntervalIntersectionProcessor::takePairs(std::vector<std::uint64_t>& keys
     m_intersections.insert(m_intersections.end(), ZuPairTable::pair(key));
     m_PairTable.insert(key);
   }
+  refreshPartners();
 }
 
 void ZuIntervalIntersectionProcessor::updateAABB(ZuAxisAlignedBoundingBox const& box, unsigned int const& index) {
@@ -322,20 +325,20 @@ void ZuIntervalIntersectionProcessor::updateAABB(ZuAxisAlignedBoundingBox const&
                                 static_cast<int>(index));
     return;
   }
+  writeBounds(index, box);
   m_aabbs[index] = box;
-  writeBounds(index);
 }
 
-void ZuIntervalIntersectionProcessor::writeBounds(unsigned int index) {
-  Bounds const bounds(m_aabbs[index]);
+void ZuIntervalIntersectionProcessor::writeBounds(unsigned int index, Box const& box) {
+  Bounds const bounds(box);
   std::size_t const begin = 2 * std::size_t{index} + theBegin, end = 2 * std::size_t{index} + theEnd;
   m_Bounds[index] = bounds;
-  m_xEndPoints[m_xLookup[begin]].m_Value = bounds.min[0];
-  m_xEndPoints[m_xLookup[end]].m_Value = bounds.max[0];
-  m_yEndPoints[m_yLookup[begin]].m_Value = bounds.min[1];
-  m_yEndPoints[m_yLookup[end]].m_Value = bounds.max[1];
-  m_zEndPoints[m_zLookup[begin]].m_Value = bounds.min[2];
-  m_zEndPoints[m_zLookup[end]].m_Value = bounds.max[2];
+  m_xEndPoints[m_xLookup[begin]].m_Value = bounds.axes[0].min;
+  m_xEndPoints[m_xLookup[end]].m_Value = bounds.axes[0].max;
+  m_yEndPoints[m_yLookup[begin]].m_Value = bounds.axes[1].min;
+  m_yEndPoints[m_yLookup[end]].m_Value = bounds.axes[1].max;
+  m_zEndPoints[m_zLookup[begin]].m_Value = bounds.axes[2].min;
+  m_zEndPoints[m_zLookup[end]].m_Value = bounds.axes[2].max;
 }
 
 ZuAxisAlignedBoundingBox& ZuIntervalIntersectionProcessor::getAABB(unsigned int const& index) {
@@ -349,6 +352,7 @@ ZuAxisAlignedBoundingBox const& ZuIntervalIntersectionProcessor::getAABB(unsigne
 }
 
 void ZuIntervalIntersectionProcessor::update() {
+  if (4 * m_RemovedPairs > m_Partners.size() + m_intersections.size()) refreshPartners();
   insertionSort(m_xEndPoints, m_xLookup);
   insertionSort(m_yEndPoints, m_yLookup);
   insertionSort(m_zEndPoints, m_zLookup);
@@ -378,11 +382,26 @@ void ZuIntervalIntersectionProcessor::insertionSort(EndPoints& list, Lookup& loo
 }
 
 void ZuIntervalIntersectionProcessor::addPair(std::uint64_t key) {
-  if (m_PairTable.insert(key)) m_intersections.insert(ZuPairTable::pair(key));
+  if (!m_PairTable.insert(key)) return;
+  m_intersections.insert(ZuPairTable::pair(key));
+  markPartners(ZuPairTable::pair(key));
 }
 
 void ZuIntervalIntersectionProcessor::removePair(std::uint64_t key) {
-  if (m_PairTable.erase(key)) m_intersections.erase(ZuPairTable::pair(key));
+  if (!m_PairTable.erase(key)) return;
+  m_intersections.erase(ZuPairTable::pair(key));
+  ++m_RemovedPairs;
+}
+
+void ZuIntervalIntersectionProcessor::markPartners(Pair const& pair) {
+  m_Partners[pair.first] |= std::uint64_t{1} << (pair.second % 64);
+  m_Partners[pair.second] |= std::uint64_t{1} << (pair.first % 64);
+}
+
+void ZuIntervalIntersectionProcessor::refreshPartners() {
+  m_Partners.assign(m_aabbs.size(), 0);
+  m_RemovedPairs = 0;
+  for (Pair const& pair : m_intersections) markPartners(pair);
 }
 
 bool ZuIntervalIntersectionProcessor::hasPairIndices(char const* function, Pair const& pair) const {
@@ -433,8 +452,10 @@ bool ZuIntervalIntersectionProcessor::hasValidList(unsigned int axis, EndPoints 
   };
   for (std::size_t i = 0; i < m_aabbs.size(); ++i) {
     Bounds const bounds(m_aabbs[i]);
-    if (!holds(2 * i, theBegin, bounds.min[axis]) || !holds(2 * i + 1, theEnd, bounds.max[axis])) return false;
-    if (m_Bounds[i].min[axis] != bounds.min[axis] || m_Bounds[i].max[axis] != bounds.max[axis]) return false;
+    if (!holds(2 * i, theBegin, bounds.axes[axis].min) || !holds(2 * i + 1, theEnd, bounds.axes[axis].max))
+      return false;
+    if (m_Bounds[i].axes[axis].min != bounds.axes[axis].min) return false;
+    if (m_Bounds[i].axes[axis].max != bounds.axes[axis].max) return false;
   }
   return true;
 }
@@ -452,7 +473,8 @@ bool ZuIntervalIntersectionProcessor::validate() const {
     if (static_cast<std::size_t>(flagged) != m_pairLists[i].size()) return false;
   }
   auto const isInTable = [this](Pair const& pair) {
-    return pair.first < pair.second && m_PairTable.contains(ZuPairTable::key(pair.first, pair.second));
+    return pair.first < pair.second && m_PairTable.contains(ZuPairTable::key(pair.first, pair.second)) &&
+           mayBePair(pair.first, pair.second) && mayBePair(pair.second, pair.first);
   };
   return m_PairTable.size() == m_intersections.size() &&
          std::all_of(m_intersections.begin(), m_intersections.end(), isInTable);

@@ -98,19 +98,24 @@ class ZU_API ZuIntervalIntersectionProcessor : public ZuXmlClass<ZuIntervalInter
   struct Bounds {
     explicit Bounds(ZuAxisAlignedBoundingBox const& box);
     bool meets(Bounds const& other) const;
-    double min[3], max[3];
+    struct Interval {
+      double min, max;
+    } axes[3];
   };
   using EndPoints = std::vector<ZuIntervalEndPoint>;
   using Lookup = std::vector<unsigned int>;
 
   void takeBoxes(Boxes const& boxes);
   void sortEndPoints(unsigned int axis, EndPoints& list, Lookup& lookup) const;
-  void writeBounds(unsigned int index);
+  void writeBounds(unsigned int index, ZuAxisAlignedBoundingBox const& box);
   void takePairs(std::vector<std::uint64_t>& keys);
 
   void insertionSort(EndPoints& list, Lookup& lookup);
   void addPair(std::uint64_t key);
+  bool mayBePair(unsigned int box, unsigned int other) const { return (m_Partners[box] >> (other % 64) & 1) != 0; }
   void removePair(std::uint64_t key);
+  void markPartners(Pair const& pair);
+  void refreshPartners();
 
   bool hasPairIndices(char const* function, Pair const& pair) const;
   bool hasValidList(unsigned int axis, EndPoints const& list, Lookup const& lookup) const;
@@ -128,4 +133,8 @@ class ZU_API ZuIntervalIntersectionProcessor : public ZuXmlClass<ZuIntervalInter
   std::vector<Bounds> m_Bounds;
   /// The pairs of m_intersections: most exchanges of a begin with an end concern boxes that are no pair.
   ZuPairTable m_PairTable;
+  /// Bit j % 64 of entry i: box i and some box j may be a pair. Bits of pairs that are no more stay until there are
+  /// many; most look-ups in the table are saved by one bit of the box that moves.
+  std::vector<std::uint64_t> m_Partners;
+  std::size_t m_RemovedPairs = 0;  ///< since the bits were right
 };

@@ -1,6 +1,7 @@
 #include "geometry/zuTemplateInstGeom.h"
 
 template class ZuXmlVectorType<ZuAxisAlignedBoundingBox>;
+template class ZuXmlVectorType<ZuBrick>;
 template class ZuXmlVectorType<ZuCapsule>;
 template class ZuXmlVectorType<ZuPlanarVector>;
 template class ZuXmlVectorType<ZuPolygon>;

@@ -3,6 +3,7 @@
 
 #include "foundation/zuXmlVectorType.h"
 #include "geometry/zuAxisAlignedBoundingBox.h"
+#include "geometry/zuBrick.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuPlanarVector.h"
 #include "geometry/zuPolygon.h"
@@ -11,6 +12,7 @@
 
 // Include this where such a container is used for more than a reference to it: it spares each source the instantiation.
 extern template class ZuXmlVectorType<ZuAxisAlignedBoundingBox>;
+extern template class ZuXmlVectorType<ZuBrick>;
 extern template class ZuXmlVectorType<ZuCapsule>;
 extern template class ZuXmlVectorType<ZuPlanarVector>;
 extern template class ZuXmlVectorType<ZuPolygon>;

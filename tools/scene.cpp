@@ -9,6 +9,7 @@
 #include "foundation/zuPrint.h"
 #include "foundation/zuXmlReader.h"
 #include "foundation/zuXmlWriter.h"
+#include "geometry/zuBasePhysicalExtent.h"
 
 namespace {
 
@@ -60,6 +61,21 @@ ZuCoordinateSystemTransformation Body::frame(std::size_t cycle) const {
   return m_Frames[std::min(cycle, m_Frames.size() - 1)];
 }
 
+std::size_t Body::numberOfVertices() const {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < m_Shapes.size(); ++i) {
+    auto const* const mesh = dynamic_cast<ZuBasePhysicalExtent const*>(m_Shapes.shape(i));
+    if (mesh != nullptr) count += mesh->numberOfPoints();
+  }
+  return count;
+}
+
+void Body::setKeys(std::string const& name, unsigned int manipulator, unsigned int link) {
+  m_Name = name;
+  m_Manipulator = manipulator;
+  m_Link = link;
+}
+
 bool Body::operator==(Body const& other) const {
   return m_Name == other.m_Name && m_Manipulator == other.m_Manipulator && m_Link == other.m_Link &&
          m_Shapes == other.m_Shapes && m_Frames == other.m_Frames;
@@ -96,6 +112,18 @@ std::size_t Scene::numberOfCycles() const {
 
 bool Scene::isCompared(std::size_t body1, std::size_t body2) const {
   return body1 != body2 && m_IgnoredIndices.count(std::minmax(body1, body2)) == 0;
+}
+
+Body* Scene::body(std::string const& name) {
+  auto const found =
+      std::find_if(m_Bodies.begin(), m_Bodies.end(), [&name](Body const& body) { return body.name() == name; });
+  return found == m_Bodies.end() ? nullptr : &*found;
+}
+
+Body& Scene::addBody(std::string const& name) {
+  unsigned int const manipulator = numberOfManipulators();
+  m_Bodies.emplace_back().setKeys(name, manipulator, 0);
+  return m_Bodies.back();
 }
 
 bool Scene::load(std::string const& fileName) { return readFromFile(fileName) && check(); }

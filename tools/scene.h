@@ -24,8 +24,13 @@ class Body : public ZuXmlClass<Body, ZuXmlCompoundType> {
   ZuShapeContainer const& shapes() const { return m_Shapes; }
   ZuShapeContainer& shapes() { return m_Shapes; }
   std::size_t numberOfFrames() const { return m_Frames.size(); }
+  /// Corners of all its meshes.
+  std::size_t numberOfVertices() const;
   /// p_world = frame(k) * p_body in cycle k; the last frame holds for all later cycles, no frame is the identity.
   ZuCoordinateSystemTransformation frame(std::size_t cycle) const;
+
+  /// To address a body that no document gives.
+  void setKeys(std::string const& name, unsigned int manipulator, unsigned int link);
 
   bool operator==(Body const& other) const;
   void registerComponents() override;
@@ -51,9 +56,15 @@ class Scene : public ZuXmlClass<Scene, ZuXmlCompoundType>, public ZuManipulatorS
   std::size_t numberOfCycles() const;
   /// Whether shapes of the two bodies, given by index, may be compared.
   bool isCompared(std::size_t body1, std::size_t body2) const;
+  /// Null when there is no such body. As the result of addBody(), valid until a body is added.
+  Body* body(std::string const& name);
+  /// A new body without shapes at the origin of the world, the only link of a new manipulator.
+  Body& addBody(std::string const& name);
 
   /// Reads the file and checks that it makes sense; otherwise one line has been printed.
   bool load(std::string const& fileName);
+  /// Whether the scene makes sense; otherwise one line has been printed.
+  bool check();
 
   bool operator==(Scene const& other) const { return m_Bodies == other.m_Bodies && m_Ignored == other.m_Ignored; }
   bool readValueFromSpecialToken(ZuToken const& token, ZuXmlReader& reader) override;
@@ -68,7 +79,6 @@ class Scene : public ZuXmlClass<Scene, ZuXmlCompoundType>, public ZuManipulatorS
 
  private:
   using Name = ZuXmlBasicType<std::string>;
-  bool check();
   bool resolveIgnored();
 
   std::vector<Body> m_Bodies;

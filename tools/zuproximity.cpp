@@ -5,34 +5,47 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "foundation/zuXmlWriter.h"
 #include "tools/proximityStudy.h"
 #include "tools/scene.h"
+#include "tools/sceneMeshes.h"
 
 namespace {
 
 char const* const theUsage =
-    "usage: zuproximity SCENE.xml [--cycles N] [--margin M] [--csv FILE] [--summary]\n"
+    "usage: zuproximity [SCENE.xml] [option...]\n"
     "\n"
     "Steps a scene through its cycles and reports the closest pair of shapes of each cycle, with its distance and\n"
-    "nearest points in the world frame, and a summary.\n"
+    "nearest points in the world frame, and a summary. Distances are negative by the depth of an overlap.\n"
     "\n"
-    "  --cycles N   do N cycles instead of one for each frame of the scene\n"
-    "  --margin M   pass over pairs that are farther apart than M metres; without it every pair is asked\n"
-    "  --csv FILE   write a line for each cycle to FILE\n"
-    "  --summary    print the summary only\n";
+    "  --cycles N           do N cycles instead of one for each frame of the scene\n"
+    "  --margin M           pass over pairs that are farther apart than M metres; without it every pair is asked\n"
+    "  --mesh [BODY=]FILE   take the mesh of an .obj, .stl or .ply file (in metres) in place of the shapes of BODY, "
+    "or\n"
+    "                       as a new body at the origin of the world; once more for the same BODY: beside it\n"
+    "  --meshes TABLE       the same for each line of TABLE, BODY FILE [x y z [qw qx qy qz]]; FILE is sought beside\n"
+    "                       the table and in the folder meshes there, also with .obj and .stl added\n"
+    "  --exact-meshes       take mesh files as they are, hollows and all, and not their convex hulls: slower, exact\n"
+    "                       against other meshes, and overlaps have distance 0\n"
+    "  --csv FILE           write a line for each cycle to FILE\n"
+    "  --save FILE.xml      write the scene, with its meshes, to FILE.xml\n"
+    "  --summary            print the summary only\n";
 
 constexpr int theBadInput = 2;  // exit code
 
 struct Options {
   std::string scene;
   std::string csv;
+  std::string saved;
+  std::vector<MeshSource> meshes;
+  MeshUse meshUse = MeshUse::HULL;
   std::size_t cycles = 0;
-  double margin = std::numeric_limits<double>::max();
+  double margin = ProximityStudy::m_theNoMargin;
   bool summaryOnly = false;
   bool help = false;
 };
@@ -56,32 +69,61 @@ bool takeMargin(std::string const& text, Options& options) {
   return (isNumber && options.margin >= 0.0) || complain("--margin takes a length of at least 0, not \"" + text + "\"");
 }
 
-bool takeOption(std::string const& name, std::string const& value, Options& options) {
-  if (name == "--cycles") return takeCycles(value, options);
-  if (name == "--margin") return takeMargin(value, options);
-  options.csv = value;
-  return !value.empty() || complain("--csv takes a file name");
+bool takeMesh(std::string const& text, Options& options) {
+  std::size_t const equals = text.find('=');
+  MeshSource source;
+  if (equals != std::string::npos) source.body = text.substr(0, equals);
+  source.fileName = text.substr(equals + 1);  // npos + 1 is 0
+  options.meshes.push_back(source);
+  return (!source.fileName.empty() && equals != 0) || complain("--mesh takes [BODY=]FILE, not \"" + text + "\"");
+}
+
+bool takeMeshes(std::string const& text, Options& options) { return readMeshTable(text, options.meshes); }
+
+bool takeCsv(std::string const& text, Options& options) {
+  options.csv = text;
+  return !text.empty() || complain("--csv takes a file name");
+}
+
+bool takeSaved(std::string const& text, Options& options) {
+  options.saved = text;
+  return !text.empty() || complain("--save takes a file name");
+}
+
+/// The options that are followed by a value.
+std::map<std::string, bool (*)(std::string const&, Options&)> const theValueOptions = {
+    {"--cycles", takeCycles}, {"--margin", takeMargin}, {"--mesh", takeMesh},
+    {"--meshes", takeMeshes}, {"--csv", takeCsv},       {"--save", takeSaved}};
+
+bool takeFlag(std::string const& argument, Options& options) {
+  if (argument == "--help" || argument == "-h") return options.help = true;
+  if (argument == "--summary") return options.summaryOnly = true;
+  if (argument != "--exact-meshes") return complain("unknown option " + argument);
+  options.meshUse = MeshUse::FACES;
+  return true;
+}
+
+bool takeScene(std::string const& argument, Options& options) {
+  if (!options.scene.empty()) return complain("a second scene, " + argument);
+  options.scene = argument;
+  return true;
 }
 
 bool parse(int count, char** arguments, Options& options) {
   for (int i = 1; i < count; ++i) {
     std::string const argument = arguments[i];
-    if (argument == "--help" || argument == "-h") {
-      options.help = true;
-    } else if (argument == "--summary") {
-      options.summaryOnly = true;
-    } else if (argument == "--cycles" || argument == "--margin" || argument == "--csv") {
+    auto const option = theValueOptions.find(argument);
+    if (option != theValueOptions.end()) {
       if (i + 1 == count) return complain(argument + " needs a value");
-      if (!takeOption(argument, arguments[++i], options)) return false;
+      if (!option->second(arguments[++i], options)) return false;
     } else if (argument.size() > 1 && argument[0] == '-') {
-      return complain("unknown option " + argument);
-    } else if (options.scene.empty()) {
-      options.scene = argument;
-    } else {
-      return complain("a second scene, " + argument);
+      if (!takeFlag(argument, options)) return false;
+    } else if (!takeScene(argument, options)) {
+      return false;
     }
   }
-  return options.help || !options.scene.empty() || complain("no scene; try --help");
+  bool const hasInput = !options.scene.empty() || !options.meshes.empty();
+  return options.help || hasInput || complain("no scene; try --help");
 }
 
 std::string nameOf(Scene const& scene, std::size_t body, std::size_t shape) {
@@ -191,10 +233,24 @@ struct Summary {
   }
 };
 
+/// Of the bodies that have any, and in all.
+void printVertices(Scene const& scene) {
+  std::size_t all = 0;
+  std::string bodies;
+  for (Body const& body : scene.bodies()) {
+    std::size_t const vertices = body.numberOfVertices();
+    if (vertices == 0) continue;
+    all += vertices;
+    bodies += (bodies.empty() ? ": " : ", ") + body.name() + ' ' + std::to_string(vertices);
+  }
+  if (all != 0) std::printf("vertices      %zu%s\n", all, bodies.c_str());
+}
+
 void printSummary(Scene const& scene, Summary const& summary, ProximityStudy const& study) {
   std::size_t shapes = 0;
   for (Body const& body : scene.bodies()) shapes += body.shapes().size();
   std::printf("bodies        %zu with %zu shapes\n", scene.bodies().size(), shapes);
+  printVertices(scene);
   std::printf("cycles        %zu\n", summary.cycles);
   std::printf("pairs asked   %zu\n", summary.pairsAsked);
   for (std::string const& types : study.unanswered()) std::printf("unanswered    %s\n", types.c_str());
@@ -212,7 +268,9 @@ void printSummary(Scene const& scene, Summary const& summary, ProximityStudy con
 int run(Options const& options) {
   Scene scene;
   CsvFile csv;
-  if (!scene.load(options.scene) || !csv.open(options.csv)) return theBadInput;
+  if (!options.scene.empty() && !scene.load(options.scene)) return theBadInput;
+  if (!addMeshes(scene, options.meshes, options.meshUse) || !csv.open(options.csv)) return theBadInput;
+  if (!options.saved.empty() && !scene.writeToFile(options.saved, Scene::classToken())) return theBadInput;
   std::size_t const cycles = options.cycles > 0 ? options.cycles : scene.numberOfCycles();
   ProximityStudy study(scene, options.margin);
   Summary summary;

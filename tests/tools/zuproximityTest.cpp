@@ -16,6 +16,7 @@
 #include "tests/sharedFiles.h"
 #include "tools/proximityStudy.h"
 #include "tools/scene.h"
+#include "tools/sceneMeshes.h"
 
 namespace {
 
@@ -124,13 +125,25 @@ class SphereOracle {
   std::set<std::pair<std::string, std::string>> m_Ignored;
 };
 
+void expectAllIntersections(ZuIntervalIntersectionProcessor const& broadPhase, std::size_t count) {
+  std::set<std::pair<unsigned int, unsigned int>> expected;
+  for (unsigned int j = 0; j < count; ++j) {
+    for (unsigned int i = 0; i < j; ++i) {
+      if (broadPhase.getAABB(i).testIntersection(broadPhase.getAABB(j))) expected.insert({i, j});
+    }
+  }
+  ASSERT_EQ(broadPhase.intersections(), expected);
+}
+
 void expectAgreement(std::string const& fileName, std::size_t cycles) {
   Scene scene;
   ASSERT_TRUE(scene.load(fileName));
   ASSERT_EQ(scene.numberOfCycles(), cycles);
   SphereOracle const oracle(fileName);
-  ProximityStudy study(scene, 1e300);
+  ProximityStudy study(scene, ProximityStudy::m_theNoMargin);
   ProximityStudy narrow(scene, 0.05);
+  std::size_t shapes = 0;
+  for (Body const& body : scene.bodies()) shapes += body.shapes().size();
   for (std::size_t cycle = 0; cycle < cycles; ++cycle) {
     CycleResult const result = study.next();
     long double const expected = oracle.closest(cycle);
@@ -141,9 +154,46 @@ void expectAgreement(std::string const& fileName, std::size_t cycles) {
     ASSERT_EQ(near.found, result.closest.distance <= 0.05) << "a margin hides only what is beyond it";
     if (near.found) {
       ASSERT_EQ(near.closest.distance, result.closest.distance);
+      ASSERT_EQ(near.closest.point2, result.closest.point2);
     }
     ASSERT_LT(near.pairsAsked, result.pairsAsked);
+    expectAllIntersections(narrow.broadPhase(), shapes);
   }
+}
+
+/// A prism over an L, of faces that are not convex, with its notch towards (2, 2).
+std::string notchedObj() {
+  return written("notched.obj",
+                 "v 0 0 0\nv 2 0 0\nv 2 1 0\nv 1 1 0\nv 1 2 0\nv 0 2 0\nv 0 0 1\nv 2 0 1\nv 2 1 1\nv 1 1 1\nv 1 2 1\n"
+                 "v 0 2 1\nf 6 5 4 3 2 1\nf 7 8 9 10 11 12\nf 1 2 8 7\nf 2 3 9 8\nf 3 4 10 9\nf 4 5 11 10\n"
+                 "f 5 6 12 11\nf 6 1 7 12\n");
+}
+
+/// Cubes with an edge of 0.2 and a corner at the origin.
+std::string cubeStl() {
+  std::string text = "solid cube\n";
+  for (char const* const face : {"026", "064", "157", "173", "045", "051", "237", "276", "013", "032", "467", "475"}) {
+    text += "facet normal 0 0 0\nouter loop\n";
+    for (char const* c = face; *c != 0; ++c) {
+      for (int const axis : {1, 2, 4})
+        text += ((*c - '0') & axis) != 0 ? (axis == 1 ? "vertex 0.2" : " 0.2") : (axis == 1 ? "vertex 0" : " 0");
+      text += '\n';
+    }
+    text += "endloop\nendfacet\n";
+  }
+  return written("cube.stl", text + "endsolid cube\n");
+}
+
+std::string plyHeader(std::string const& vertices, int faces) {
+  return "ply\nformat ascii 1.0\nelement vertex " + vertices +
+         "\nproperty float x\nproperty float y\nproperty float z\nelement face " + std::to_string(faces) +
+         "\nproperty list uchar int vertex_indices\nend_header\n";
+}
+
+std::string cubePly() {
+  return written("cube.ply", plyHeader("8", 6) +
+                                 "0 0 0\n.2 0 0\n0 .2 0\n.2 .2 0\n0 0 .2\n.2 0 .2\n0 .2 .2\n.2 .2 .2\n"
+                                 "4 0 4 6 2\n4 1 3 7 5\n4 0 1 5 4\n4 2 6 7 3\n4 0 2 3 1\n4 4 5 7 6\n");
 }
 
 }  // namespace
@@ -157,12 +207,53 @@ TEST(Zuproximity, TwoRealArmsAgreeWithAnIndependentComputation) {
   if (!std::filesystem::exists(script)) GTEST_SKIP() << "no " << script;
   std::string const file = temporary("panda.xml");
   Outcome const made = run("python3 " + script + " " + sharedFile("data/robots/panda") +
-                           " --model spheres --second 0.9 0 3.14159 --steps 200 > " + file);
+                           " --model spheres --second 0.9 0 3.14159 --steps 1000 > " + file);
   if (made.exitCode == 127) GTEST_SKIP() << "python3 is not installed";
   ASSERT_EQ(made.exitCode, 0);
   Scene scene;
   ASSERT_TRUE(scene.load(file));
   expectAgreement(file, scene.numberOfCycles());
+}
+
+TEST(Zuproximity, MeshFilesAreTakenAsHullsOrAsTheyAre) {
+  std::string const document =
+      written("bodies.xml", "<scene><body><name>a</name></body><body><name>b</name><link>1</link></body></scene>");
+  notchedObj();
+  for (std::string const& cube : {cubeStl(), cubePly()}) {
+    std::string const table = written(
+        "meshes.txt", "# body file pose\na zuproximity_notched\n\nb " + cube + " 1.5 1.5 0.6 0 3 0 -3 # turned\n");
+    // The turn takes x, y, z to -z, -y, -x: the cube fills 1.3 to 1.5 on x and y, 0.4 to 0.6 on z.
+    struct Case {
+      MeshUse use;
+      std::size_t vertices;
+      double distance;
+    };
+    for (Case const& c : {Case{MeshUse::HULL, 10, -0.4 / std::sqrt(2.0)}, Case{MeshUse::FACES, 12, 0.3}}) {
+      Scene scene;
+      std::vector<MeshSource> sources;
+      ASSERT_TRUE(scene.load(document) && readMeshTable(table, sources) && addMeshes(scene, sources, c.use)) << cube;
+      EXPECT_EQ(scene.bodies()[0].numberOfVertices(), c.vertices);
+      EXPECT_EQ(scene.bodies()[1].numberOfVertices(), 8U) << "corners are joined";
+      EXPECT_NEAR(ProximityStudy(scene, 1.0).next().closest.distance, c.distance, 1e-7) << cube;
+    }
+  }
+}
+
+TEST(Zuproximity, TheMeshArmMovesAmongItself) {
+  std::string const script = sharedFile("tools/scene_from_tables.py"), robot = sharedFile("data/robots/panda");
+  if (!std::filesystem::exists(script)) GTEST_SKIP() << "no " << script;
+  std::string const file = temporary("arm.xml"), saved = temporary("saved.xml");
+  Outcome const made = run("python3 " + script + " " + robot + " --model spheres --steps 10 > " + file);
+  if (made.exitCode == 127) GTEST_SKIP() << "python3 is not installed";
+  std::string const arm = std::string(ZUPROXIMITY) + " --summary " + file + " --meshes " + robot + "/meshes.txt";
+  Outcome const outcome = run(arm + " --save " + saved);
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_NE(outcome.output.find("vertices      1204: panda_link0 102, "), std::string::npos) << outcome.output;
+  EXPECT_NE(outcome.output.find("panda_link7[0] - panda_leftfinger[0]  distance 0.0597"), std::string::npos)
+      << outcome.output;
+  auto const untimed = [](std::string const& text) { return text.substr(0, text.find("time a cycle")); };
+  EXPECT_EQ(untimed(run(std::string(ZUPROXIMITY) + " --summary " + saved).output), untimed(outcome.output));
+  EXPECT_EQ(untimed(run(arm + " --exact-meshes").output), untimed(outcome.output)) << "the meshes are nearly convex";
 }
 
 TEST(Zuproximity, ScenesAreWrittenAndReadBack) {
@@ -213,6 +304,19 @@ TEST(Zuproximity, BadInputIsOneClearLineAndExitCodeTwo) {
       {"--margin", "needs a value"},
       {"--frobnicate x.xml", "unknown option"},
       {"", "no scene"},
+      {"--mesh =x.obj", "--mesh takes"},
+      {"--mesh a=" + notchedObj(), "named \"a\""},
+      {"--mesh /nonexistent/x.obj", "No such file"},
+      {"--mesh " + written("x.off", "OFF\n3000000000 4 0\n"), "not an .obj"},
+      {"--mesh " + written("empty.obj", ""), "too small"},
+      {"--mesh " + written("index.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 9\n"), "out of range"},
+      {"--mesh " + written("nan.obj", "v nan 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"), "not finite"},
+      {"--mesh " + written("flat.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 0\nf 1 2 3\nf 1 3 4\n"), "no volume"},
+      {"--mesh " + written("short.stl", std::string(80, ' ') + std::string(30, '\377')), "STL"},
+      {"--mesh " + written("many.ply", plyHeader("4000000000", 1)), "more elements"},
+      {"--mesh " + written("index.ply", plyHeader("3", 1) + "0 0 0\n1 0 0\n0 1 0\n3 0 1 900000\n"), "not there"},
+      {"--meshes /nonexistent/table", "not there"},
+      {"--meshes " + written("table.txt", "# body file\na b.obj 1 2\n"), "line 2"},
       {ZU_EXAMPLES_DIR "/two_arms.xml --csv /nonexistent/out.csv", "/nonexistent/out.csv"}};
   for (auto const& [arguments, expected] : cases) {
     Outcome const outcome = run(std::string(ZUPROXIMITY) + " " + arguments + " 2>&1");
