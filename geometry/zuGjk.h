@@ -173,6 +173,9 @@ class ZU_API ZuGJK {
     double scale = 0.0;  ///< |b - a| |c - a|
   };
 
+  /// Remembers a shape that is not convex, for onlyConvexShapesSoFar().
+  static void noteConvexity(ZuShape const& shape1, ZuShape const& shape2);
+
   Simplex m_Simplex;
   /// [set][place]: the weight of the point in the set. Cofactors for one and two points, weights of sum 1 for more.
   double m_Det[16][4] = {};
@@ -207,7 +210,6 @@ class ZU_API ZuGJK {
   void adoptStart(Loop const& loop);
   bool takeIfValid(int set, ZuVector& v);
   void writeSimplex(std::ostream& out) const;
-  static void noteConvexity(ZuShape const& shape1, ZuShape const& shape2);
 
   // The penetration search
   bool startPolytope(ZuDifferenceSet const& set);

@@ -1,0 +1,129 @@
+// zuConvexCorePrivate.h - a convex solid as a core and a radius, and the difference of two. Group: convex engine.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "foundation/zuCoordinateSystemTransformation.h"
+
+class ZuShape;
+
+/// A rotation by the columns of its matrix; the identity costs a branch.
+struct ZuTurn {
+  ZuVector x{1.0, 0.0, 0.0}, y{0.0, 1.0, 0.0}, z{0.0, 0.0, 1.0};
+  bool isIdentity = true;
+
+  ZuTurn() = default;
+  ZuTurn(ZuVector const& xAxis, ZuVector const& yAxis, ZuVector const& zAxis)
+      : x(xAxis), y(yAxis), z(zAxis), isIdentity(false) {}
+  explicit ZuTurn(ZuCoordinateSystemTransformation const& T) : isIdentity(!T.hasRotation()) {
+    if (!isIdentity) T.orientation().getDcmColumns(x, y, z);
+  }
+  ZuVector times(ZuVector const& v) const { return isIdentity ? v : x * v.x() + y * v.y() + z * v.z(); }
+  ZuVector inverseTimes(ZuVector const& v) const { return isIdentity ? v : ZuVector(x.dot(v), y.dot(v), z.dot(v)); }
+  ZuTurn times(ZuTurn const& t) const {
+    if (isIdentity) return t;
+    return t.isIdentity ? *this : ZuTurn(times(t.x), times(t.y), times(t.z));
+  }
+  /// The inverse of this after t.
+  ZuTurn inverseTimes(ZuTurn const& t) const {
+    return isIdentity ? t : ZuTurn(inverseTimes(t.x), inverseTimes(t.y), inverseTimes(t.z));
+  }
+};
+
+/// A solid, as all points within a radius of a core. The classes of this library whose support points have a closed
+/// form lose what is round in them, and answer in a frame of their own, along their axes; any other shape is its own
+/// core, by its virtual support points. Lives for one query: it refers to the shape.
+class ZuConvexCore {
+ public:
+  explicit ZuConvexCore(ZuShape const& shape);
+
+  /// The point of the core, in its frame, farthest in the direction, which need not be of unit length.
+  ZuVector support(ZuVector const& d) const {
+    switch (m_Kind) {
+      case POINT:
+        return {};
+      case BOX:
+        return {std::copysign(m_Half.x(), d.x()), std::copysign(m_Half.y(), d.y()), std::copysign(m_Half.z(), d.z())};
+      case SEGMENT:
+        return d.dot(m_Half) < 0.0 ? -m_Half : m_Half;
+      default:
+        return askShape(d);
+    }
+  }
+  /// A point of the core's frame in the shape's.
+  ZuVector inShape(ZuVector const& p) const { return turn.times(p) + center; }
+
+  ZuTurn turn;      ///< of the core's frame in the shape's
+  ZuVector center;  ///< origin of the core's frame in the shape's
+  double radius = 0.0;
+
+ private:
+  enum Kind { SHAPE, POINT, SEGMENT, BOX };
+
+  ZuVector askShape(ZuVector const& d) const;
+
+  ZuShape const& m_Shape;
+  Kind m_Kind = SHAPE;
+  ZuVector m_Half;  ///< half of the sides or of the segment
+};
+
+/// A point y = p - q of the difference set, with the points of the cores, each in its core's frame.
+struct ZuCorePoint {
+  ZuVector y, p, q;
+};
+
+/// The points p - q over all p of core 1 and q of core 2, in the frame of core 1: convex when both cores are, and it
+/// holds the origin exactly when they touch or overlap. The offset is that of the two cores' frames, so that pairs far
+/// from the origin of the world, or of their shapes' frames, lose as few digits as possible.
+///
+/// `scale` multiplies all lengths: a power of two, other than 1 for lengths whose products would leave the doubles.
+class ZuCoreDifference {
+ public:
+  ZuCoreDifference(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
+                   ZuCoordinateSystemTransformation const& T2, double scale);
+
+  /// The point farthest in the direction.
+  void support(ZuVector const& direction, ZuCorePoint& point) {
+    if (m_Scale != 1.0) return supportScaled(direction, point);
+    point.p = core1.support(direction);
+    point.q = core2.support(m_Turn.inverseTimes(-direction));
+    finish(point);
+  }
+  /// Of the two cores' radii, scaled.
+  double radius1() const { return core1.radius * m_Scale; }
+  double radius2() const { return core2.radius * m_Scale; }
+  /// From the centre of core 2 to that of core 1.
+  ZuVector betweenCenters() const { return -m_Offset; }
+  /// The largest magnitude of a number that went into a point: rounding is in proportion to it.
+  double extent() const { return m_Extent; }
+  bool isInRange() const { return m_Extent == 0.0 || (m_Extent >= theSmallest && m_Extent <= theLargest); }
+
+  /// From the frame of core 1, scaled, into the world, without the translation, and back.
+  ZuVector inWorld(ZuVector const& v) const { return m_World.times(v) * (1.0 / m_Scale); }
+  ZuVector fromWorld(ZuVector const& v) const { return m_World.inverseTimes(v); }
+  /// The witness points in their shapes' frames: the points of the cores, moved along n by these lengths.
+  ZuVector witness1(ZuVector const& p, ZuVector const& n, double length) const {
+    return core1.inShape((p + n * length) * (1.0 / m_Scale));
+  }
+  ZuVector witness2(ZuVector const& q, ZuVector const& n, double length) const {
+    return core2.inShape((q + m_Turn.inverseTimes(n) * length) * (1.0 / m_Scale));
+  }
+
+  /// Outside of these, sixth powers of lengths leave the doubles.
+  static constexpr double theSmallest = 1e-40, theLargest = 1e40;
+
+ private:
+  void supportScaled(ZuVector const& direction, ZuCorePoint& point);
+  void finish(ZuCorePoint& point) {
+    point.y = point.p - (m_Turn.times(point.q) + m_Offset);
+    m_Extent = std::max(m_Extent, largest(point.p) + largest(point.q));
+  }
+  static double largest(ZuVector const& v) { return std::max({std::abs(v.x()), std::abs(v.y()), std::abs(v.z())}); }
+
+  ZuConvexCore core1, core2;
+  ZuTurn m_Turn;      ///< of core 2's frame in core 1's
+  ZuVector m_Offset;  ///< origin of core 2's frame in core 1's
+  ZuTurn m_World;     ///< of core 1's frame in the world
+  double m_Scale, m_Extent;
+};

@@ -1,0 +1,188 @@
+// zuCoreSimplexPrivate.h - simplex of a distance iteration, and its point nearest to the origin. Group: convex engine.
+#pragma once
+
+#include <limits>
+
+#include "geometry/zuConvexCorePrivate.h"
+#include "geometry/zuSimplexPrivate.h"
+
+/// At most three points of a difference set, whose hull holds the nearest point so far, and a place for a new one.
+///
+/// The nearest point of the grown simplex is looked for as by signed volumes (Montanari et al. 2017): signs of volumes
+/// and of areas, all from cross products of edges at the new point, tell beyond which faces the origin lies, and only
+/// there, and only on faces of the new point, is it looked for. What rounding leaves without an answer, or with one
+/// that is not nearer, is looked for on all faces (`nearestByTrial`). No test knows a length: the answer scales with
+/// the set.
+class ZuCoreSimplex {
+ public:
+  /// A face and its point nearest to the origin.
+  struct Nearest {
+    ZuVector v;
+    double square = std::numeric_limits<double>::infinity();
+    int count = 0;  ///< points of the face; 4: the origin is inside
+    int place[4] = {};
+  };
+
+  int count() const { return m_Count; }
+  ZuCorePoint const& point(int i) const { return m_Points[m_Place[i]]; }
+  /// Where the next point is to be put; nearest() then takes it as the new one.
+  ZuCorePoint& freePoint() { return m_Points[m_Free]; }
+  /// Whether the new point is one of the others.
+  bool isRepeated() const {
+    for (int i = 0; i < m_Count; ++i) {
+      if (point(i).y == m_Points[m_Free].y) return true;
+    }
+    return false;
+  }
+
+  /// The nearest point of the simplex with the new point, which is on a face of it; count 0 when there is no telling.
+  Nearest nearest() const {
+    Nearest best;
+    int const a = m_Free;
+    switch (m_Count) {
+      case 0:
+        offerCorner(a, best);
+        break;
+      case 1:
+        offerEdge(a, m_Place[0], best);
+        break;
+      case 2:
+        offerTriangle(a, m_Place[0], m_Place[1], false, best);
+        break;
+      default:
+        offerTetrahedron(best);
+        break;
+    }
+    return best;
+  }
+  /// The same by trying all faces.
+  Nearest nearestByTrial() const {
+    Nearest best;
+    int const a = m_Free, *b = m_Place;
+    if (m_Count < 2) return nearest();
+    offerTriangle(a, b[0], b[1], true, best);
+    if (m_Count == 2) return best;
+    offerTriangle(a, b[1], b[2], true, best);
+    offerTriangle(a, b[2], b[0], true, best);
+    offerTriangle(b[0], b[1], b[2], true, best);
+    return best;
+  }
+  void take(Nearest const& nearest) {
+    m_Count = nearest.count;
+    for (int i = 0; i < m_Count; ++i) m_Place[i] = nearest.place[i];
+    m_Free = 0;
+    while (isUsed(m_Free)) ++m_Free;
+  }
+  /// Becomes this point.
+  void take(ZuCorePoint const& point) {
+    m_Points[0] = point;
+    m_Place[0] = 0;
+    m_Count = m_Free = 1;
+  }
+  /// The mean of the points that is nearest to the origin, of the cores and of the difference set.
+  ZuCorePoint mean() const {
+    double weights[4];
+    findWeights(weights);
+    ZuCorePoint sum;
+    for (int i = 0; i < m_Count; ++i) {
+      sum.y += point(i).y * weights[i];
+      sum.p += point(i).p * weights[i];
+      sum.q += point(i).q * weights[i];
+    }
+    return sum;
+  }
+
+ private:
+  ZuVector const& y(int place) const { return m_Points[place].y; }
+  bool isUsed(int place) const {
+    for (int i = 0; i < m_Count; ++i) {
+      if (m_Place[i] == place) return true;
+    }
+    return false;
+  }
+
+  void offerCorner(int a, Nearest& best) const {
+    double const square = y(a).magSquared();
+    if (!(square < best.square)) return;
+    best = {y(a), square, 1, {a}};
+  }
+  void offerEdge(int a, int b, Nearest& best) const {
+    ZuVector const edge = y(b) - y(a);
+    double const along = -y(a).dot(edge), length = edge.magSquared();
+    if (!(along > 0.0)) return offerCorner(a, best);
+    if (!(along < length)) return offerCorner(b, best);
+    ZuVector const v = y(a) + edge * (along / length);
+    double const square = v.magSquared();
+    if (square < best.square) best = {v, square, 2, {a, b}};
+  }
+  /// `all`: also the edge from b to c, which a new point a never makes nearest but by rounding.
+  void offerTriangle(int a, int b, int c, bool all, Nearest& best) const {
+    ZuVector const ab = y(b) - y(a), ac = y(c) - y(a);
+    offerTriangle(a, b, c, ab, ac, ab.cross(ac), all, best);
+  }
+  /// The weights of ZuSimplex::triangleWeights() times normal^2, and their signs. Where one is negative, the edge
+  /// across has the projection of the origin in front of it.
+  void offerTriangle(int a, int b, int c, ZuVector const& ab, ZuVector const& ac, ZuVector const& normal, bool all,
+                     Nearest& best) const {
+    ZuVector const& ya = y(a);
+    double const square = normal.magSquared();
+    double const atB = normal.dot(ac.cross(ya)), atC = normal.dot(ya.cross(ab)), atA = square - (atB + atC);
+    double const smallest =
+        ZuSimplex::theDependentSine * ZuSimplex::theDependentSine * ab.magSquared() * ac.magSquared();
+    bool const isFlat = !(square > smallest);
+    if (!isFlat && atA > 0.0 && atB > 0.0 && atC > 0.0) {
+      double const height = normal.dot(ya), nearest = height * height / square;
+      if (nearest < best.square) best = {normal * (height / square), nearest, 3, {a, b, c}};
+      return;
+    }
+    if (isFlat || !(atC > 0.0)) offerEdge(a, b, best);
+    if (isFlat || !(atB > 0.0)) offerEdge(a, c, best);
+    if ((isFlat || !(atA > 0.0)) && all) offerEdge(b, c, best);
+  }
+  /// Beyond a face lies what is on the other side of it than the fourth point. The face across from the new point has
+  /// the origin inside: the point before was nearest on it, and the new one is nearer along its direction.
+  void offerTetrahedron(Nearest& best) const {
+    int const a = m_Free, b = m_Place[0], c = m_Place[1], d = m_Place[2];
+    ZuVector const ab = y(b) - y(a), ac = y(c) - y(a), ad = y(d) - y(a);
+    ZuVector const abc = ab.cross(ac), acd = ac.cross(ad), adb = ad.cross(ab);
+    double const volume = abc.dot(ad);
+    double const smallest =
+        ZuSimplex::theDependentSine * ZuSimplex::theDependentSine * ab.magSquared() * ac.magSquared() * ad.magSquared();
+    if (!(volume * volume > smallest)) return;
+    bool isInside = true;
+    auto const offerIfBeyond = [&](int second, int third, ZuVector const& edge2, ZuVector const& edge3,
+                                   ZuVector const& normal) {
+      if (!(normal.dot(y(a)) * volume > 0.0)) return;
+      isInside = false;
+      offerTriangle(a, second, third, edge2, edge3, normal, false, best);
+    };
+    offerIfBeyond(b, c, ab, ac, abc);
+    offerIfBeyond(c, d, ac, ad, acd);
+    offerIfBeyond(d, b, ad, ab, adb);
+    if (isInside) best = {ZuVector(), 0.0, 4, {a, b, c, d}};
+  }
+
+  void findWeights(double weights[4]) const {
+    weights[0] = 1.0;
+    if (m_Count == 2) {
+      ZuSimplex::nearestOnSegment(point(0).y, point(1).y, weights[1]);
+      weights[0] -= weights[1];
+    } else if (m_Count > 2) {
+      ZuVector edges[3];
+      for (int i = 1; i < m_Count; ++i) edges[i - 1] = point(i).y - point(0).y;
+      double w[4] = {0.0, 0.0, 1.0, 1.0};
+      bool const isSolved =
+          m_Count == 3 ? ZuSimplex::triangleWeights(point(0).y, edges[0], edges[1], edges[0].cross(edges[1]), w)
+                       : ZuSimplex::tetrahedronWeights(point(0).y, edges, w);
+      weights[0] = isSolved ? w[m_Count - 1] : 1.0;
+      for (int i = 1; i < m_Count; ++i) weights[i] = isSolved ? w[i - 1] : 0.0;
+    }
+    double sum = 0.0;
+    for (int i = 0; i < m_Count; ++i) sum += weights[i] = std::max(weights[i], 0.0);
+    for (int i = 0; i < m_Count; ++i) weights[i] /= sum;
+  }
+
+  ZuCorePoint m_Points[5];
+  int m_Place[4] = {};
+  int m_Count = 0, m_Free = 0;
+};

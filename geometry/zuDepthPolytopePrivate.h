@@ -1,0 +1,106 @@
+// zuDepthPolytopePrivate.h - polytope that grows inside a difference set, for penetration depths. Group: convex engine.
+#pragma once
+
+#include <vector>
+
+#include "geometry/zuCoreSimplexPrivate.h"
+
+/// The expanding polytope (van den Bergen 2001) over the difference set of two cores.
+///
+/// Bounds. For any unit vector n the support value h(n) = max n . y over the set bounds the depth from above, since
+/// moving core 2 by h(n) n separates the cores; the plane of the facet nearest to the origin bounds it from below,
+/// since the polytope lies inside the set. The search expands the nearest facet until the two meet.
+///
+/// Invariant, up to rounding: live facets form a closed convex surface, turned outwards. A new point removes the facets
+/// that it is in front of by more than rounding, so that it is off the edges of the horizon by as much, and the new
+/// facets have an area. Those in whose plane it lies stay: flat faces of many facets are not built anew. Where rounding
+/// leaves a horizon that is not one loop, the polytope stays as it was and the facet is not expanded again.
+///
+/// Its lists are kept from search to search; no search allocates but to grow them.
+class ZuDepthPolytope {
+ public:
+  enum Outcome {
+    FOUND,  ///< nearest, normal and bounds are set
+    FLAT,   ///< the set has no depth along the normal, which is set, and nothing else
+    APART   ///< h(normal) < 0 proves that the cores are apart; the normal alone is set
+  };
+  struct Depth {
+    ZuCorePoint nearest;  ///< on the boundary of the set, within the bounds
+    ZuVector normal;      ///< unit, outwards
+    double lower = 0.0, upper = 0.0;
+  };
+
+  /// @param simplex of a distance iteration that found the origin inside, at 1 to 4 points
+  /// @param tolerance gap of the bounds at which the search ends, as a part of the size of the set
+  /// @param maxExpansions after so many, the search goes from the least upper bound to a minimum, and ends there
+  Outcome search(ZuCoreDifference& set, ZuCoreSimplex const& simplex, double tolerance, unsigned int maxExpansions,
+                 Depth& depth);
+
+  /// Whether the surface is closed, linked, turned outwards and convex within rounding. Facets times points.
+  bool isValid() const;
+  unsigned int expansions() const { return m_Expansions; }
+
+ private:
+  struct Facet {
+    int corner[3];
+    int across[3];  ///< the facet across the edge from corner k to corner k + 1
+    ZuVector normal;
+    double height;    ///< of the plane over the origin
+    double rounding;  ///< of the height of a point over the plane, as a part of its distance from corner 0
+    bool isLive;
+  };
+  struct HeapEntry {
+    double height;
+    int facet;
+    bool operator<(HeapEntry const& other) const { return height > other.height; }  // the least on top
+  };
+  struct HorizonEdge {
+    int from, to;
+    int outside, edge;  ///< the facet that stays, and which of its edges this is
+  };
+  struct Visit {
+    int facet, edge, left;
+  };
+
+  enum Ending {
+    MET,       ///< the bounds met
+    ENOUGH,    ///< the limit was reached
+    SEPARATED  ///< a negative upper bound
+  };
+
+  Ending expand(ZuCoreDifference& set, double tolerance, unsigned int limit, Depth& depth);
+  int settle(ZuCoreDifference& set, double gap);
+  double supportValue(ZuCoreDifference& set, int facet, ZuCorePoint& point);
+  double patience() const;
+  bool start(ZuCoreDifference& set, ZuCoreSimplex const& simplex, Depth& depth);
+  bool grow(ZuCoreDifference& set, ZuVector& normal);
+  void offer(ZuCoreDifference& set, ZuVector const& direction, ZuCorePoint& best, double& most) const;
+  double independence(ZuVector const& y) const;
+  void makeTetrahedron();
+  void setFacet(int facet, int a, int b, int c);
+  void addPoint(ZuCorePoint const& point);
+  int freeFacet();
+  int nextNearest();
+  bool insert(ZuCorePoint const& point, int facet, double noise);
+  bool findHorizon(ZuVector const& w, int facet);
+  bool isOneLoop(ZuVector const& w);
+  void closeHorizon();
+  bool isVisible(Facet const& facet, ZuVector const& w) const;
+  int facetAlong(ZuVector const& direction) const;
+  double lowest() const;
+  void finish(int only, double gap, Depth& depth) const;
+  void takeIfNearer(Facet const& facet, double& least, Depth& depth) const;
+  double noise(ZuCoreDifference const& set) const;
+
+  std::vector<ZuCorePoint> m_Points;
+  std::vector<Facet> m_Facets;
+  std::vector<HeapEntry> m_Heap;
+  std::vector<HorizonEdge> m_Horizon;
+  std::vector<Visit> m_Visits;
+  std::vector<int> m_Removed, m_Free, m_Stamps;
+  ZuVector m_Axis;  ///< of the first points: their line, then their plane
+  ZuVector m_UpperNormal;
+  double m_Size = 0.0, m_Upper = 0.0, m_Noise = 0.0;
+  int m_Stamp = 0;
+  unsigned int m_Expansions = 0;
+};

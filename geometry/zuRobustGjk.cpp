@@ -1,0 +1,291 @@
+#include "geometry/zuRobustGjk.h"
+
+#include <cmath>
+
+#include "foundation/zuPrint.h"
+#include "geometry/zuDepthPolytopePrivate.h"
+#include "geometry/zuShape.h"
+#include "geometry/zuSphere.h"
+
+namespace {
+
+/// Gap of a distance and its lower bound at which an iteration ends, as a part of the size of the set: a nearest point
+/// of a curved solid is then off by a millionth of its size. Smaller, curved solids take more steps.
+constexpr double theDistanceTolerance = 1e-14;
+/// The same of a depth. After 256 expansions 200 times, after 1024 2000 times as much will do.
+constexpr double theDepthTolerance = 1e-12;
+/// Expansions of a polytope, beyond the thousands that two coaxial cylinders take.
+constexpr unsigned int theMostExpansions = 2048;
+/// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is
+/// inside at a distance of this. Smaller, the iteration chases its own rounding.
+constexpr double theRounding = 8.0 * 0x1p-52;
+/// Vectors of the set that are longer than this part of its largest numbers have a direction, to 1e-10.
+constexpr double theStraightLength = 1e-5;
+/// Steps of an iteration; polytopes take 5 to 20, curved solids up to 60.
+constexpr int theMostSteps = 256;
+/// How often an iteration may start again from the mean of its simplex.
+constexpr int theMostRecoveries = 32;
+
+bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
+
+/// A power of two that brings the numbers of a pair to about 1; 0 when one of them is not finite, or all are 0.
+double scaleOf(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
+               ZuCoordinateSystemTransformation const& T2) {
+  double most = 0.0;
+  auto const consider = [&most](ZuVector const& v) {
+    for (double const x : {v.x(), v.y(), v.z()}) {
+      if (!(std::abs(x) <= most)) most = std::abs(x);
+    }
+  };
+  consider(T1.translation());
+  consider(T2.translation());
+  for (ZuShape const* shape : {&shape1, &shape2}) {
+    for (double const sign : {1.0, -1.0}) {
+      for (unsigned int axis = 0; axis < 3; ++axis) {
+        ZuVector direction;
+        direction[axis] = sign;
+        consider(shape->computeSupportPoint(direction));
+      }
+    }
+  }
+  return most > 0.0 && std::isfinite(most) ? std::ldexp(1.0, -std::ilogb(most)) : 0.0;
+}
+
+}  // namespace
+
+/// The result of a query in the frame of core 1: a point of the difference set of the cores, and the unit vector along
+/// which the separation vector lies, from shape 2 to shape 1 when they are apart.
+struct ZuRobustGJK::Answer {
+  ZuCorePoint point;
+  ZuVector normal;
+  double distance = 0.0;  ///< signed, of the solids
+};
+
+/// The distance iteration.
+///
+/// Invariants: v is the point nearest to the origin of a simplex of difference points; `m_Bound`, the largest v . w /
+/// |v| over all steps, is a lower bound of the distance, since the plane through the support point w at a right angle
+/// to v has the set behind it. Each step makes |v| smaller, or ends the iteration.
+class ZuRobustGJK::Iteration {
+ public:
+  Iteration(ZuCoreDifference& set, double tolerance) : m_Set(set), m_Tolerance(tolerance) {}
+
+  void run(ZuVector const& start) {
+    m_V = start.unitVector();
+    if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
+    ZuCorePoint& first = m_Simplex.freePoint();
+    m_Set.support(-m_V, first);
+    m_Bound = m_V.dot(first.y);
+    m_First = first.y;
+    takeNearest(m_Simplex.nearest());
+    int steps = 1;
+    while (steps < theMostSteps && !m_Overlaps && step()) ++steps;
+    if (!m_IsDone) m_Result = m_Simplex.mean();
+  }
+  bool overlaps() const { return m_Overlaps; }
+  ZuCoreSimplex const& simplex() const { return m_Simplex; }
+  /// The nearest point; of an overlap, one within rounding of the origin.
+  ZuCorePoint const& result() const { return m_Result; }
+
+ private:
+  double noise() const { return theRounding * m_Set.extent(); }
+  double band() const { return m_Tolerance * m_Size + noise(); }
+
+  bool step() {
+    ZuCorePoint& w = m_Simplex.freePoint();
+    m_Set.support(-m_V, w);
+    double const length = std::sqrt(m_Square);
+    m_Bound = std::max(m_Bound, m_V.dot(w.y) / length);
+    if (length - m_Bound <= band()) return certify(w);
+    ZuVector const away = w.y - m_First;
+    m_Size = std::max({m_Size, std::abs(away.x()), std::abs(away.y()), std::abs(away.z())});
+    if (m_Simplex.isRepeated()) return recover(w);
+    ZuCoreSimplex::Nearest nearest = m_Simplex.nearest();
+    if (nearest.count == 4 && m_Bound > noise()) nearest.square = m_Square;  // proven apart: rounding
+    if (!(nearest.square < m_Square)) nearest = m_Simplex.nearestByTrial();
+    if (!(nearest.square < m_Square)) return recover(w);
+    takeNearest(nearest);
+    return true;
+  }
+  void takeNearest(ZuCoreSimplex::Nearest const& nearest) {
+    m_Simplex.take(nearest);
+    m_V = nearest.v;
+    m_Square = nearest.square;
+    m_Overlaps = !(m_Square > noise() * noise());
+  }
+
+  /// The nearest point by its weights is a point of the set for sure; one by the normal of a slim face may be off.
+  bool certify(ZuCorePoint const& w) {
+    m_Result = m_Simplex.mean();
+    m_IsDone = true;
+    return m_Result.y.mag() - m_Bound > theSlack * band() && recover(w);
+  }
+  /// Goes on from the segment of the mean and the support point w: unless rounding has the last word, it holds a nearer
+  /// point than the mean.
+  bool recover(ZuCorePoint const& newest) {
+    ZuCorePoint const w = newest;
+    m_Result = m_Simplex.mean();
+    m_IsDone = true;
+    double const square = m_Result.y.magSquared();
+    if (std::sqrt(square) - m_Bound <= theSlack * band() || ++m_Recoveries > theMostRecoveries) return false;
+    m_Simplex.take(m_Result);
+    m_Simplex.freePoint() = w;
+    ZuCoreSimplex::Nearest const nearest = m_Simplex.nearest();
+    if (!(nearest.square < square)) return false;
+    takeNearest(nearest);
+    m_IsDone = false;
+    return true;
+  }
+
+  /// How much wider than the band a gap may be that rounding leaves.
+  static constexpr double theSlack = 4.0;
+
+  ZuCoreDifference& m_Set;
+  ZuCoreSimplex m_Simplex;
+  ZuCorePoint m_Result;
+  ZuVector m_V, m_First;
+  double m_Tolerance, m_Square = 0.0, m_Bound = 0.0;
+  double m_Size = 0.0;  ///< of the set, as far as it was seen
+  int m_Recoveries = 0;
+  bool m_Overlaps = false, m_IsDone = false;
+};
+
+ZuRobustGJK::ZuRobustGJK() {
+  m_Tolerance = theDistanceTolerance;
+  m_MaxIterations = theMostExpansions;
+}
+ZuRobustGJK::ZuRobustGJK(ZuRobustGJK const& other) : ZuGJK(other), m_DepthGap(other.m_DepthGap) {}
+ZuRobustGJK& ZuRobustGJK::operator=(ZuRobustGJK const& other) {
+  ZuGJK::operator=(other);
+  m_DepthGap = other.m_DepthGap;
+  return *this;
+}
+ZuRobustGJK::~ZuRobustGJK() = default;
+
+bool ZuRobustGJK::operator==(ZuGJK const& other) const {
+  auto const* const robust = dynamic_cast<ZuRobustGJK const*>(&other);
+  return robust != nullptr && ZuGJK::operator==(other) && m_DepthGap == robust->m_DepthGap;
+}
+
+std::unique_ptr<ZuGJK> ZuRobustGJK::clone() const { return std::make_unique<ZuRobustGJK>(*this); }
+
+void ZuRobustGJK::resetPenetration() {
+  ZuGJK::resetPenetration();
+  m_Polytope.reset();
+}
+
+bool ZuRobustGJK::validateDepthPolytope() const { return m_Polytope == nullptr || m_Polytope->isValid(); }
+
+bool ZuRobustGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
+                           ZuCoordinateSystemTransformation const& T2, bool computePenetration, ZuVector& witness1,
+                           ZuVector& witness2, double& distance, ZuVector* separation) {
+  double scale = 1.0;
+  for (int attempt = 0; attempt < 2 && scale != 0.0; ++attempt) {
+    ZuCoreDifference set(shape1, shape2, T1, T2, scale);
+    Answer answer;
+    if (query(set, separation, computePenetration, answer)) {
+      double const r1 = set.radius1(), r2 = set.radius2(), core = answer.distance + (r1 + r2);
+      bool const isCommon = !(answer.distance > 0.0) && !computePenetration;
+      // Without a depth, what lies between the cores is shared out by the radii.
+      double const share = isCommon ? (r1 + r2 > 0.0 ? core / (r1 + r2) : 0.0) : 1.0;
+      witness1 = set.witness1(answer.point.p, answer.normal, -share * r1);
+      witness2 = set.witness2(answer.point.q, answer.normal, share * r2);
+      ZuVector const vector = set.inWorld(answer.point.y - answer.normal * (r1 + r2));
+      distance = isCommon ? 0.0 : answer.distance / scale;
+      if (isFinite(witness1) && isFinite(witness2) && isFinite(vector) && std::isfinite(distance)) {
+        if (separation != nullptr) *separation = isCommon ? ZuVector() : vector;
+        noteConvexity(shape1, shape2);
+        return true;
+      }
+    }
+    scale = attempt == 0 ? scaleOf(shape1, shape2, T1, T2) : 0.0;
+  }
+  Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuRobustGJK::distance-->not a finite number (distance %g)", distance);
+  distance = 0.0;
+  witness1 = witness2 = ZuVector();
+  if (separation != nullptr) *separation = ZuVector();
+  return true;
+}
+
+/// False when the numbers leave the range in which their products are doubles.
+bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool computePenetration, Answer& answer) {
+  m_DepthGap = 0.0;
+  double const radii = set.radius1() + set.radius2();
+  bool const hasStart = start != nullptr && *start != ZuVector() && isFinite(*start);
+  ZuVector const v = hasStart ? set.fromWorld(*start) : set.betweenCenters();
+  Iteration iteration(set, m_Tolerance);
+  iteration.run(v);
+  answer.point = iteration.result();
+  if (iteration.overlaps()) {
+    if (!computePenetration) return set.isInRange();
+    return findDepth(set, iteration, answer);
+  }
+  double const length = answer.point.y.mag();
+  answer.normal = answer.point.y * (1.0 / length);
+  answer.distance = length - radii;
+  return set.isInRange() && std::isfinite(answer.distance);
+}
+
+/// Sets the answer for cores that overlap. When the polytope proves that they don't, the iteration starts again, where
+/// it was proven.
+bool ZuRobustGJK::findDepth(ZuCoreDifference& set, Iteration& iteration, Answer& answer) {
+  double const radii = set.radius1() + set.radius2();
+  if (!m_Polytope) m_Polytope = std::make_unique<ZuDepthPolytope>();
+  ZuDepthPolytope::Depth depth;
+  ZuDepthPolytope::Outcome const outcome =
+      m_Polytope->search(set, iteration.simplex(), std::max(theDepthTolerance, m_Tolerance), m_MaxIterations, depth);
+  if (!set.isInRange()) return false;
+  answer.normal = -depth.normal;
+  if (outcome == ZuDepthPolytope::FOUND) {
+    answer.point = depth.nearest;
+    // Where the nearest point was not proven to be one, it need not be at a right angle to its facet.
+    double const length = depth.nearest.y.mag();
+    if (length > theStraightLength * set.extent()) answer.normal = depth.nearest.y * (-1.0 / length);
+    answer.distance = std::min(answer.normal.dot(depth.nearest.y), 0.0) - radii;
+    m_DepthGap = std::max(0.0, depth.upper - depth.lower);
+    return true;
+  }
+  if (outcome == ZuDepthPolytope::APART) {
+    Iteration again(set, m_Tolerance);
+    again.run(answer.normal);
+    answer.point = again.result();
+    double const length = answer.point.y.mag();
+    if (!again.overlaps()) {
+      answer.normal = answer.point.y * (1.0 / length);
+      answer.distance = length - radii;
+      return set.isInRange();
+    }
+  }
+  answer.distance = 0.0 - radii;
+  return true;
+}
+
+bool ZuRobustGJK::penetration(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
+                              ZuCoordinateSystemTransformation const& T2, ZuVector& witness1, ZuVector& witness2,
+                              ZuVector& penetrationVector) {
+  ZuVector first, second, vector;
+  double found = 0.0;
+  distance(shape1, shape2, T1, T2, true, first, second, found, &vector);
+  if (found > 0.0) return false;
+  witness1 = first;
+  witness2 = second;
+  penetrationVector = vector;
+  return true;
+}
+
+bool ZuRobustGJK::selfTest() const {
+  constexpr double theAllowed = 1e-12;  // m, of distances of about a metre
+  ZuRobustGJK engine(*this);
+  ZuSphere const ball(ZuVector(), 0.5, 0);
+  bool isGood = true;
+  for (double const x : {3.0, 0.75, 0.0}) {
+    ZuVector witness1, witness2, separation;
+    double found = 0.0;
+    engine.distance(ball, ball, ZuCoordinateSystemTransformation(),
+                    ZuCoordinateSystemTransformation(ZuVector(x, 0.0, 0.0)), true, witness1, witness2, found,
+                    &separation);
+    isGood =
+        isGood && std::abs(found - (x - 1.0)) < theAllowed && std::abs(separation.mag() - std::abs(found)) < theAllowed;
+  }
+  return isGood && ZuGJK::selfTest();
+}
