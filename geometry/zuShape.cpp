@@ -14,6 +14,7 @@
 #include "geometry/zuAABBCollisionDetection.h"
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuBasePhysicalExtent.h"
+#include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuGeneralMotion.h"
@@ -62,6 +63,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuTetrahedron>();
     case ZuShape::CYLINDER:
       return std::make_unique<ZuCylinder>();
+    case ZuShape::BOX:
+      return std::make_unique<ZuBox>();
     default:
       return nullptr;
   }

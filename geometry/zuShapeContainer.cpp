@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuGeomTokens.h"
@@ -24,6 +25,7 @@ ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuCapsule>(*this);
   registerSolid<ZuTetrahedron>(*this);
   registerSolid<ZuCylinder>(*this);
+  registerSolid<ZuBox>(*this);
   registerSolid<ZuPolyPhysicalExtent>(*this);
   registerSolid<ZuTriPhysicalExtent>(*this);
 }

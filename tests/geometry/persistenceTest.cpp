@@ -16,6 +16,7 @@
 #include "foundation/zuXmlVectorType.h"
 #include "foundation/zuXmlVectorVector.h"
 #include "geometry/zuAxisAlignedBoundingBox.h"
+#include "geometry/zuBox.h"
 #include "geometry/zuBrick.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCircle.h"
@@ -60,7 +61,7 @@ using ValueClasses =
 using OwningClasses = std::tuple<ZuSphere, ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
                                  ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
                                  ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon,
-                                 ZuPolygonWithKey, ZuCapsule, ZuTetrahedron, ZuCylinder, ZuFacetGroups, ZuBrick>;
+                                 ZuPolygonWithKey, ZuCapsule, ZuBox, ZuTetrahedron, ZuCylinder, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
