@@ -12,7 +12,7 @@ enum class MeshUse {
   FACES  ///< what its faces enclose, convex or not: exact, without depths
 };
 
-/// Reads a mesh in OBJ, STL or PLY (the ending of the name decides), in m. Corners in one place become one vertex;
+/// Reads a mesh in OBJ or STL (the ending of the name decides), in m. Corners in one place become one vertex;
 /// points and lines are left out. The importer keeps coordinates in single precision.
 ///
 /// @return null, and one line has been printed, when the file can't be read, has no faces or coordinates that are not

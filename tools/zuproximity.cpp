@@ -25,7 +25,7 @@ char const* const theUsage =
     "\n"
     "  --cycles N           do N cycles instead of one for each frame of the scene\n"
     "  --margin M           pass over pairs that are farther apart than M metres; without it every pair is asked\n"
-    "  --mesh [BODY=]FILE   take the mesh of an .obj, .stl or .ply file (in metres) in place of the shapes of BODY, "
+    "  --mesh [BODY=]FILE   take the mesh of an .obj or .stl file (in metres) in place of the shapes of BODY, "
     "or\n"
     "                       as a new body at the origin of the world; once more for the same BODY: beside it\n"
     "  --meshes TABLE       the same for each line of TABLE, BODY FILE [x y z [qw qx qy qz]]; FILE is sought beside\n"
