@@ -21,8 +21,8 @@
 /// 1. After initialize() and after each update(), intersections() holds exactly the pairs (i, j), i < j, for which
 ///    testIntersection() is true, provided that every box that moved was passed to updateAABB().
 /// 2. update() costs one comparison per end, and one move per exchange; an exchange of a begin with an end costs a test
-///    of two boxes or a look-up besides. It allocates only to add a pair. Boxes that move far make up to 6 n^2
-///    exchanges: then initialize() is faster.
+///    of two boxes besides, or of a bit and sometimes a look-up. It allocates only to add a pair. Boxes that move far
+///    make up to 6 n^2 exchanges: then initialize() is faster.
 /// 3. initialize() costs n log n for the lists, and for each box at most sqrt(n) steps and a look at the boxes that
 ///    overlap it, or nearly, on the two axes on which boxes overlap least. Memory is linear in boxes and pairs.
 ///
