@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "foundation/zuXmlWriter.h"
+#include "geometry/zuRobustGjk.h"
 #include "tools/proximityStudy.h"
 #include "tools/scene.h"
 #include "tools/sceneMeshes.h"
@@ -32,6 +33,7 @@ char const* const theUsage =
     "                       the table and in the folder meshes there, also with .obj and .stl added\n"
     "  --exact-meshes       take mesh files as they are, hollows and all, and not their convex hulls: slower, exact\n"
     "                       against other meshes, and overlaps have distance 0\n"
+    "  --engine ENGINE      how pairs without a closed form are answered: robust (the usual one) or default\n"
     "  --csv FILE           write a line for each cycle to FILE\n"
     "  --save FILE.xml      write the scene, with its meshes, to FILE.xml\n"
     "  --summary            print the summary only\n";
@@ -46,6 +48,7 @@ struct Options {
   MeshUse meshUse = MeshUse::HULL;
   std::size_t cycles = 0;
   double margin = ProximityStudy::m_theNoMargin;
+  bool robustEngine = true;
   bool summaryOnly = false;
   bool help = false;
 };
@@ -80,6 +83,12 @@ bool takeMesh(std::string const& text, Options& options) {
 
 bool takeMeshes(std::string const& text, Options& options) { return readMeshTable(text, options.meshes); }
 
+bool takeEngine(std::string const& text, Options& options) {
+  options.robustEngine = text == "robust";
+  return options.robustEngine || text == "default" ||
+         complain("--engine takes robust or default, not \"" + text + "\"");
+}
+
 bool takeCsv(std::string const& text, Options& options) {
   options.csv = text;
   return !text.empty() || complain("--csv takes a file name");
@@ -92,8 +101,8 @@ bool takeSaved(std::string const& text, Options& options) {
 
 /// The options that are followed by a value.
 std::map<std::string, bool (*)(std::string const&, Options&)> const theValueOptions = {
-    {"--cycles", takeCycles}, {"--margin", takeMargin}, {"--mesh", takeMesh},
-    {"--meshes", takeMeshes}, {"--csv", takeCsv},       {"--save", takeSaved}};
+    {"--cycles", takeCycles}, {"--margin", takeMargin}, {"--mesh", takeMesh}, {"--meshes", takeMeshes},
+    {"--csv", takeCsv},       {"--engine", takeEngine}, {"--save", takeSaved}};
 
 bool takeFlag(std::string const& argument, Options& options) {
   if (argument == "--help" || argument == "-h") return options.help = true;
@@ -266,6 +275,7 @@ void printSummary(Scene const& scene, Summary const& summary, ProximityStudy con
 }
 
 int run(Options const& options) {
+  if (options.robustEngine) ZuShape::setGjkEnginePrototype(ZuRobustGJK());
   Scene scene;
   CsvFile csv;
   if (!options.scene.empty() && !scene.load(options.scene)) return theBadInput;

@@ -13,6 +13,8 @@
 #include <set>
 #include <sstream>
 
+#include "geometry/zuCapsule.h"
+#include "geometry/zuSphere.h"
 #include "tests/sharedFiles.h"
 #include "tools/proximityStudy.h"
 #include "tools/scene.h"
@@ -184,6 +186,19 @@ std::string cubeStl() {
   return written("cube.stl", text + "endsolid cube\n");
 }
 
+/// Answers for no pair, and no pair answers for it.
+class MuteSolid : public ZuSphere {
+ public:
+  using ZuSphere::ZuSphere;
+  ZuShapeValues type() const override { return EXTENT_UNION; }
+  double distanceAndWitnessPointsTo(ZuShape const& other, ZuCoordinateSystemTransformation const&,
+                                    ZuShapeProximityDescriptor const&, ZuSystemShapeProximityState&, ZuVector&,
+                                    ZuVector&) const override {
+    printNotSupported("MuteSolid::distanceAndWitnessPointsTo-->Distance", other);
+    return 0.0;
+  }
+};
+
 }  // namespace
 
 TEST(Zuproximity, TheShippedSceneAgreesWithAnIndependentComputation) {
@@ -239,7 +254,26 @@ TEST(Zuproximity, TheMeshArmMovesAmongItself) {
       << outcome.output;
   auto const untimed = [](std::string const& text) { return text.substr(0, text.find("time a cycle")); };
   EXPECT_EQ(untimed(run(std::string(ZUPROXIMITY) + " --summary " + saved).output), untimed(outcome.output));
-  EXPECT_EQ(untimed(run(arm + " --exact-meshes").output), untimed(outcome.output)) << "the meshes are nearly convex";
+  for (char const* const other : {" --exact-meshes", " --engine default"}) {
+    EXPECT_EQ(untimed(run(arm + other).output), untimed(outcome.output)) << other << ": the meshes are nearly convex";
+  }
+}
+
+TEST(Zuproximity, PairsAreAskedInTheOrderThatIsAnsweredAndToldInThatOfTheScene) {
+  Scene scene;
+  scene.addBody("ball").shapes().append(std::make_unique<ZuSphere>(ZuVector(0, 0, 0), 1.0, 3));
+  scene.addBody("rod").shapes().append(std::make_unique<ZuCapsule>(ZuLineSegment({5, 0, 0}, {9, 0, 0}), 0.5));
+  scene.addBody("mute").shapes().append(std::make_unique<MuteSolid>(ZuVector(0, 1, 0), 1.0, 3));
+  ProximityStudy study(scene, ProximityStudy::m_theNoMargin);
+  testing::internal::CaptureStderr();
+  CycleResult const result = study.next();
+  study.next();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(study.unanswered(), (std::set<std::string>{"sphere - sphere", "capsule - sphere"}));
+  EXPECT_EQ(result.pairsAsked, 1U);
+  EXPECT_EQ(result.closest.distance, 3.5);
+  EXPECT_TRUE(result.closest.body1 == 0 && result.closest.point1.approxEq({1, 0, 0}, 1e-12));
+  EXPECT_TRUE(result.closest.body2 == 1 && result.closest.point2.approxEq({4.5, 0, 0}, 1e-12));
 }
 
 TEST(Zuproximity, ScenesAreWrittenAndReadBack) {
@@ -290,6 +324,7 @@ TEST(Zuproximity, BadInputIsOneClearLineAndExitCodeTwo) {
       {"--margin", "needs a value"},
       {"--frobnicate x.xml", "unknown option"},
       {"", "no scene"},
+      {"--engine fast x.xml", "--engine takes"},
       {"--mesh =x.obj", "--mesh takes"},
       {"--mesh a=" + notchedObj(), "named \"a\""},
       {"--mesh /nonexistent/x.obj", "No such file"},
