@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "geometry/zu600cell.h"
+#include "geometry/zuTruncatedIcosahedron.h"
 
 namespace {
 
@@ -137,6 +138,17 @@ void printRotations(unsigned int n, int trials) {
   if (n <= 2) print("uniform random", n, even, 1, true, trials / 10);
 }
 
+void printDirections(unsigned int n, int trials) {
+  ZuTruncatedIcosahedron faces;
+  faces.setupForSampling(n);
+  std::vector<Point> points;
+  for (unsigned int i = 0; i < faces.totalSampleCount(); ++i) {
+    ZuVector const v = faces.sample(i);
+    points.push_back({{v.x(), v.y(), v.z(), 0.0}});
+  }
+  print("ZuTruncatedIcosahedron", n, points, faces.singleTriangleSampleCount(), false, trials);
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -145,5 +157,6 @@ int main(int argumentCount, char** arguments) {
       "| samples | n | count | largest gap (deg) | coverage | nearest pair (deg) | mean to nearest (deg) | "
       "nearest / random mean | mean / random mean |\n|---|---|---|---|---|---|---|---|---|\n");
   for (unsigned int const n : {1U, 2U, 3U, 4U, 6U, 8U}) printRotations(n, trials);
+  for (unsigned int const n : {1U, 2U, 4U, 8U}) printDirections(n, trials);
   return 0;
 }
