@@ -74,8 +74,9 @@ TEST_F(Capsule, DistancesAreThoseOfTheCoresMinusTheRadiiAndWitnessPointsLieInBot
 
 TEST_F(Capsule, CoresThatMeetAreSeparatedAlongTheirCommonPerpendicular) {
   ZuVector const meeting(0.3, 0.7, -0.1);
-  for (auto const& [delta1, delta2] : std::vector<std::pair<ZuVector, ZuVector>>{
-           {{2, 1, 0}, {-1, 3, 0.5}}, {{1, 2, 3}, {2, 4, 6}}, {{1, 2, 3}, {}}, {{}, {0, 1, 1}}, {{}, {}}}) {
+  std::pair<ZuVector, ZuVector> const theCases[] = {
+      {{2, 1, 0}, {-1, 3, 0.5}}, {{1, 2, 3}, {2, 4, 6}}, {{1, 2, 3}, {}}, {{}, {0, 1, 1}}, {{}, {}}};
+  for (auto const& [delta1, delta2] : theCases) {
     ZuCapsule const a = capsule(meeting - delta1 * 0.4, meeting + delta1 * 0.6, 0.5);
     ZuCapsule const b = capsule(meeting - delta2 * 0.7, meeting + delta2 * 0.3, 0.5);
     ZuVector w1, w2, n;
@@ -120,14 +121,11 @@ TEST_F(Capsule, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
 
 TEST_F(Capsule, SupportPointIsTheFartherEndMovedByTheRadius) {
   ZuCapsule const c = capsule({1, 0, 0}, {3, 0, 0}, 0.5);
-  for (auto const& [direction, expected] : std::vector<std::pair<ZuVector, ZuVector>>{{{2, 0, 0}, {3.5, 0, 0}},
-                                                                                      {{-1e-310, 0, 0}, {0.5, 0, 0}},
-                                                                                      {{0, 0, 7}, {1, 0, 0.5}},
-                                                                                      {{0, 0, 0}, {1, 0, 0}},
-                                                                                      {{-0.0, 0, 0}, {1, 0, 0}},
-                                                                                      {{0, 1e300, 0}, {1, 0.5, 0}},
-                                                                                      {{3, 4, 0}, {3.3, 0.4, 0}},
-                                                                                      {{-3, 4, 0}, {0.7, 0.4, 0}}}) {
+  std::pair<ZuVector, ZuVector> const theCases[] = {{{2, 0, 0}, {3.5, 0, 0}},   {{-1e-310, 0, 0}, {0.5, 0, 0}},
+                                                    {{0, 0, 7}, {1, 0, 0.5}},   {{0, 0, 0}, {1, 0, 0}},
+                                                    {{-0.0, 0, 0}, {1, 0, 0}},  {{0, 1e300, 0}, {1, 0.5, 0}},
+                                                    {{3, 4, 0}, {3.3, 0.4, 0}}, {{-3, 4, 0}, {0.7, 0.4, 0}}};
+  for (auto const& [direction, expected] : theCases) {
     EXPECT_TRUE(c.supportPoint(direction).approxEq(expected, 1e-15)) << direction.x();
     EXPECT_EQ(c.computeSupportPoint(direction), c.supportPoint(direction));
   }

@@ -115,8 +115,9 @@ TEST(LineSegment, AgreesWithPublishedHardCases) {
   if (!file) GTEST_SKIP() << "cases/open.segments.txt is not in ZU_SHARED";
   std::map<std::string, ZuVector> fields;
   int count = 0;
-  for (std::string line, key; std::getline(file, line);) {
+  for (std::string line; std::getline(file, line);) {
     std::istringstream text(line);
+    std::string key;
     text >> key;
     ZuVector& field = fields[key];
     text >> field[0] >> field[1] >> field[2];

@@ -1,12 +1,9 @@
 // What changes meshes: fits, merges, scales, deformations.
-
-#include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuPolygon.h"
 #include "geometry/zuPolygonWithKey.h"
 #include "geometry/zuSphere.h"
 #include "tests/meshSamples.h"
-#include "tests/testValues.h"
 
 TEST(MeshChange, FittedToPointsItIsTheirHull) {
   ZuXmlVectorVector points(cubePoints());
@@ -24,11 +21,10 @@ TEST(MeshChange, FittedToPointsItIsTheirHull) {
 }
 
 TEST(MeshChange, PointsWithoutVolumeHaveNoHullAndChangeNothing) {
-  std::vector<std::vector<ZuVector>> const cases = {{},
-                                                    {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
-                                                    {{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {5, 5, 5}},
-                                                    {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0.5, 0.5, 0}},
-                                                    {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, std::nan("")}}};
+  std::vector<ZuVector> const cases[] = {{},
+                                         {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
+                                         {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0.5, 0.5, 0}},
+                                         {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, std::nan("")}}};
   for (std::vector<ZuVector> const& points : cases) {
     ZuTriPhysicalExtent mesh = triangleCube();
     PrintSink sink;
@@ -44,8 +40,7 @@ TEST(MeshChange, AFitToAnotherShapeIsItsMesh) {
   ZuTriPhysicalExtent mesh;
   for (ZuShape const* const shape : std::vector<ZuShape const*>{&ball, &mesh}) {
     mesh.fitFromShape(*shape);
-    EXPECT_TRUE(mesh.isConvex());
-    EXPECT_EQ(mesh.totalNumberOfFacets(), ball.physicalExtent().totalNumberOfFacets());
+    EXPECT_TRUE(mesh.isConvex() && mesh.totalNumberOfFacets() == ball.physicalExtent().totalNumberOfFacets());
     EXPECT_NEAR(mesh.distanceTo(ZuVector(1, 2, 3)), -0.5, 0.01);
   }
 }
@@ -60,14 +55,10 @@ TEST(MeshChange, MergedMeshesAnswerLikeBoth) {
   both.setNormals(ZuXmlVectorVector({{1, 0, 0}, {0, 1, 0}}));
   both.mergeWith(other);
   EXPECT_FALSE(both.isConvex());
-  EXPECT_EQ(both.getFacetPointIndex(1, 6, 0), 17U);
-  EXPECT_EQ(both.getFacetNormalIndex(1, 6, 2), 2U);
-  EXPECT_EQ(both.distanceTo(ZuVector(2, 0, 0)), 1.0);
-  EXPECT_EQ(both.distanceTo(ZuVector(5, 0, 0.75)), -0.25);
+  EXPECT_TRUE(both.getFacetPointIndex(1, 6, 0) == 17 && both.getFacetNormalIndex(1, 6, 2) == 2);
+  EXPECT_TRUE(both.distanceTo(ZuVector(2, 0, 0)) == 1.0 && both.distanceTo(ZuVector(5, 0, 0.75)) == -0.25);
   both.mergeWith(both);
-  EXPECT_EQ(both.points().size(), 36U);
-  EXPECT_EQ(both.totalNumberOfFacets(), 26U);
-  EXPECT_EQ(both.numberOfGroups(), 2U);
+  EXPECT_TRUE(both.points().size() == 36 && both.totalNumberOfFacets() == 26 && both.numberOfGroups() == 2);
   ZuTriPhysicalExtent triangles = triangleCube();
   triangles.mergeWith(cube());
   EXPECT_EQ(triangles.totalNumberOfFacets(), 24U);
@@ -76,10 +67,8 @@ TEST(MeshChange, MergedMeshesAnswerLikeBoth) {
 TEST(MeshChange, MovesAndReflectionsMoveEveryAnswerAndKeepFacetsFacingOutward) {
   ZuPolyPhysicalExtent mesh = cube();
   mesh.setNormals(ZuXmlVectorVector({ZuVector(1, 2, 3)}));
-  mesh.setLowerFidelityRepresentation(new ZuSphere(ZuVector(), 2.0, 3));
+  mesh.addExplicitBoundingVolume(ZuSphere(ZuVector(), 2.0, 3));
   mesh.scaleBy(-2.0, 0.5, 1.0);
-  EXPECT_EQ(mesh.distanceTo(ZuVector(1.5, 0, 0)), -0.5);
-  EXPECT_EQ(mesh.distanceTo(ZuVector(3, 0, 0)), 1.0);
   EXPECT_TRUE(mesh.normals()[0].approxEq(ZuVector(-0.5, 4, 3).unitVector(), 1e-15));
   EXPECT_GE(static_cast<ZuSphere*>(mesh.lowerFidelityRepresentation())->radius(), std::sqrt(5.25));
   EXPECT_NEAR(extentVolume(mesh), 8.0, 1e-15);
@@ -90,8 +79,11 @@ TEST(MeshChange, MovesAndReflectionsMoveEveryAnswerAndKeepFacetsFacingOutward) {
   ZuCoordinateSystemTransformation const xform = random.transformation(3.0);
   moved.transformBy(xform);
   for (int i = 0; i < 100; ++i) {
-    ZuVector const p = random.vector(3.0);
-    EXPECT_NEAR(moved.distanceTo(xform * p), mesh.distanceTo(p), 1e-14);
+    ZuVector const p = random.vector(3.0), past(std::abs(p.x()) - 2.0, std::abs(p.y()) - 0.5, std::abs(p.z()) - 1.0);
+    ZuVector const outside(std::max(past.x(), 0.0), std::max(past.y(), 0.0), std::max(past.z(), 0.0));
+    double const expected = outside.mag() + std::min(std::max({past.x(), past.y(), past.z()}), 0.0);
+    EXPECT_NEAR(mesh.distanceTo(p), expected, 1e-14);
+    EXPECT_NEAR(moved.distanceTo(xform * p), expected, 1e-14);
   }
 }
 
@@ -109,7 +101,6 @@ TEST(MeshChange, RoundingUsedPointsAndBounds) {
   mesh.setPoint(0, ZuVector(-1.5, 0, 0));
   for (ZuVector const& p : mesh.points()) EXPECT_LE(mesh.capsuleBoundingVolume().distanceTo(p), 1e-11);
   ZuVector const far(9, 9, 9);
-  EXPECT_GT(mesh.capsuleBoundingVolume().distanceTo(far), 0.0);
   mesh.expandCapsule(ZuXmlVectorVector({far}));
   EXPECT_LE(mesh.capsuleBoundingVolume().distanceTo(far), 1e-11);
   mesh.recalculateCapsule();
@@ -145,11 +136,8 @@ TEST(MeshChange, ADentFallsOffWithDistanceAndStaysOnItsSideOfAThinWall) {
   Loops loops;
   for (unsigned int side = 0; side < 2; ++side) {
     for (unsigned int i = 0; i < 121; ++i) points.emplace_back(i % 11 * 0.1, i / 11 * 0.1, side * 0.01);
-    for (unsigned int i = 0; i < 109; ++i) {
-      if (i % 11 == 10) continue;
-      unsigned int const a = side * 121 + i;
-      loops.push_back({a, a + 1, a + 12, a + 11});
-    }
+    for (unsigned int i = 0, a = side * 121; i < 109; ++i, ++a)
+      if (i % 11 != 10) loops.push_back({a, a + 1, a + 12, a + 11});
   }
   auto mesh = meshOf<ZuPolyPhysicalExtent>(points, loops);
   PrintSink sink;
@@ -162,8 +150,7 @@ TEST(MeshChange, ADentFallsOffWithDistanceAndStaysOnItsSideOfAThinWall) {
   EXPECT_EQ(mesh.point(60), ZuVector(0.5, 0.5, 1.0));
   double const weight = 1.0 - 1.0 / 2.25;
   EXPECT_NEAR(mesh.point(61).z(), weight * weight, 1e-14);
-  EXPECT_EQ(mesh.point(63).z(), 0.0);
-  EXPECT_EQ(mesh.point(121 + 60).z(), 0.01);
+  EXPECT_TRUE(mesh.point(63).z() == 0.0 && mesh.point(121 + 60).z() == 0.01);
   EXPECT_EQ(mesh.modifiedFacetIndices().size(), 16U);
   EXPECT_TRUE(mesh.isModified() && !mesh.modIsCleanedUp());
   mesh.setModIsCleanedUp(true);
