@@ -1,29 +1,29 @@
-#include <limits>
-
 #include "geometry/zuAxisAlignedBoundingBox.h"
+
 #include "tests/testValues.h"
 
 namespace {
 
 using Box = ZuAxisAlignedBoundingBox;
 
-double constexpr theNan = std::numeric_limits<double>::quiet_NaN();
+double const theNan = std::nan("");
 
 /// A box with corners on a coarse grid, so that touching faces are common.
 Box gridBox(RandomValues& random) {
-  auto const coordinate = [&random] { return static_cast<double>(random.index(6)); };
-  double const x = coordinate(), y = coordinate(), z = coordinate();
-  return {x, x + coordinate(), y, y + coordinate(), z, z + coordinate()};
+  ZuVector low, size;
+  for (unsigned int axis = 0; axis < 3; ++axis) low[axis] = random.index(6), size[axis] = random.index(6);
+  return {low, low + size};
 }
 
 /// Whether the boxes share a point of the grid in every coordinate, found by trying all.
 bool shareAGridPoint(Box const& a, Box const& b) {
-  bool shared[3] = {false, false, false};
-  for (unsigned int axis = 0; axis < 3; ++axis)
+  unsigned int shared = 0;
+  for (unsigned int axis = 0; axis < 3; ++axis) {
+    auto const holds = [axis](Box const& c, double x) { return c.minCorner()[axis] <= x && x <= c.maxCorner()[axis]; };
     for (double x = 0; x < 12; ++x)
-      shared[axis] |=
-          a.minCorner()[axis] <= x && x <= a.maxCorner()[axis] && b.minCorner()[axis] <= x && x <= b.maxCorner()[axis];
-  return shared[0] && shared[1] && shared[2];
+      if (holds(a, x) && holds(b, x)) shared |= 1U << axis;
+  }
+  return shared == 7;
 }
 
 }  // namespace
@@ -54,15 +54,6 @@ TEST(AxisAlignedBoundingBox, NanIntersectsEverythingButOverlapsNothing) {
   EXPECT_EQ(grown, box);
 }
 
-TEST(AxisAlignedBoundingBox, FindIntersectionAndGrowingByNoBoxesHaveNoEffect) {
-  Box box = Box::testObject();
-  EXPECT_FALSE(Box(0, 1, 0, 1, 0, 1).findIntersection(Box(0, 1, 0, 1, 0, 1), box));
-  box.expandSelfToInclude(Box::Boxes());
-  box.resizeToVector(Box::Boxes());
-  EXPECT_EQ(box, Box::testObject());
-  EXPECT_EQ(Box(Box::Boxes()), Box());
-}
-
 TEST(AxisAlignedBoundingBox, GrowsToTheSmallestBoxAroundAll) {
   TracedValues random(422);
   for (unsigned int count = 1; count < 20; ++count) {
@@ -81,43 +72,42 @@ TEST(AxisAlignedBoundingBox, GrowsToTheSmallestBoxAroundAll) {
     grown.expandSelfToInclude(boxes);
     for (Box const& box : boxes) grownOneByOne.expandSelfToInclude(box);
     resized.resizeToVector(boxes);
-    EXPECT_TRUE(grown == expected && grownOneByOne == expected && resized == expected && Box(boxes) == expected);
-    Box& last = boxes[count - 1];
-    last.resizeToVector(boxes);
-    EXPECT_EQ(last, expected) << "a box of the vector itself";
+    boxes[count - 1].resizeToVector(boxes);  // itself one of them
+    for (Box const& result : {grown, grownOneByOne, resized, Box(boxes), boxes[count - 1]}) EXPECT_EQ(result, expected);
   }
+  Box box = Box::testObject();
+  box.expandSelfToInclude(Box::Boxes());
+  box.resizeToVector(Box::Boxes());
+  EXPECT_FALSE(Box(0, 1, 0, 1, 0, 1).findIntersection(Box(0, 1, 0, 1, 0, 1), box));
+  EXPECT_EQ(box, Box::testObject()) << "neither no boxes nor findIntersection() has an effect";
+  EXPECT_EQ(Box(Box::Boxes()), Box());
 }
 
 TEST(AxisAlignedBoundingBox, LongestAxisIsTheFirstOfTheLargestPositiveExtents) {
-  struct Case {
-    ZuVector extents;
-    unsigned int axis;
-  } const cases[] = {{{2, 2, 2}, 0},    {{1, 2, 2}, 1},     {{1, 2, 3}, 2}, {{3, 2, 3}, 0},     {{0, 0, 0}, 0},
-                     {{-1, -1, -1}, 0}, {{-5, -1, 0.5}, 2}, {{0, 1, 0}, 1}, {{theNan, 1, 0}, 1}};
-  for (Case const& c : cases) EXPECT_EQ(Box({-1, -1, -1}, ZuVector(-1, -1, -1) + c.extents).longestAxis(), c.axis);
+  std::pair<ZuVector, unsigned int> const cases[] = {{{2, 2, 2}, 0},     {{1, 2, 2}, 1}, {{1, 2, 3}, 2},
+                                                     {{3, 2, 3}, 0},     {{0, 0, 0}, 0}, {{-1, -1, -1}, 0},
+                                                     {{-5, -1, 0.5}, 2}, {{0, 1, 0}, 1}, {{theNan, 1, 0}, 1}};
+  for (auto const& [extents, axis] : cases)
+    EXPECT_EQ(Box({-1, -1, -1}, ZuVector(-1, -1, -1) + extents).longestAxis(), axis);
 }
 
-TEST(AxisAlignedBoundingBox, Measures) {
-  Box box(1, 3, -4, -1, 0, 0);
-  EXPECT_EQ(box.midPoint(), ZuVector(2, -2.5, 0));
+TEST(AxisAlignedBoundingBox, EveryCoordinateIsSetAloneAndCountsInTheMeasures) {
+  Box box;
+  box.setXMin(1.0);
+  box.setXMax(3.0);
+  box.setYMin(-4.0);
+  box.setYMax(-1.0);
+  box.setZMin(0.5);
+  box.setZMax(0.5);
+  EXPECT_EQ(box, Box(1, 3, -4, -1, 0.5, 0.5));
+  EXPECT_EQ(Box(box.xMin(), box.xMax(), box.yMin(), box.yMax(), box.zMin(), box.zMax()), box);
+  EXPECT_EQ(box.midPoint(), ZuVector(2, -2.5, 0.5));
   EXPECT_EQ(box.errorMetric(), 3.0 * 4.0 * 1.0);
   box.enlarge(0.5);
-  EXPECT_EQ(box, Box(0.75, 3.25, -4.25, -0.75, -0.25, 0.25));
+  EXPECT_EQ(box, Box(0.75, 3.25, -4.25, -0.75, 0.25, 0.75));
   box.enlarge(-1.5);
-  EXPECT_EQ(box, Box(1.5, 2.5, -3.5, -1.5, 0.5, -0.5));
+  EXPECT_EQ(box, Box(1.5, 2.5, -3.5, -1.5, 1, 0));
   Box negativeZero(-0.0, -0.0, 0, 0, 0, 0);
   negativeZero.enlarge(0.0);
   EXPECT_TRUE(std::signbit(negativeZero.xMin()) && std::signbit(negativeZero.xMax()));
-}
-
-TEST(AxisAlignedBoundingBox, EveryCoordinateIsSetAlone) {
-  Box box;
-  box.setXMin(-1.0);
-  box.setXMax(2.0);
-  box.setYMin(-3.0);
-  box.setYMax(5.0);
-  box.setZMin(0.25);
-  box.setZMax(7.5);
-  EXPECT_EQ(box, Box::testObject());
-  EXPECT_EQ(Box(box.xMin(), box.xMax(), box.yMin(), box.yMax(), box.zMin(), box.zMax()), box);
 }
