@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "foundation/zuPrint.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuNearestPoints.h"
@@ -84,25 +85,32 @@ PlainCapsule shortest(Axis const& axis, double radius, ZuVector const* points, s
   return {ZuPlainSegment::between(axis.origin + first * axis.unit, axis.origin + last * axis.unit), radius};
 }
 
-/// The least capsule on the axis that holds the hull of the circles about it through the points: it holds a circle when
-/// it holds a point of it, and a hull when it holds what spans it.
-PlainCapsule leastAround(Axis const& axis, std::initializer_list<ZuVector> points) {
+/// The least capsule on the axis that holds the points: a search over its radius, from both ends, for the volume can
+/// fall again towards the ball.
+ZuCapsule leastOnAxis(Axis const& axis, std::initializer_list<ZuVector> points) {
   double const reach = axis.reach(points.begin(), points.size());
   double const size = ZuPointSpread(points.begin(), points.size()).size;
-  auto const capsule = [&](double more) {
-    return shortest(axis, reach + std::abs(more) * size, points.begin(), points.size());
-  };
   using Search = ZuSimplexSearch<1>;
+  auto const capsule = [&](Search::Point const& x) {
+    return shortest(axis, reach + std::abs(x[0]) * size, points.begin(), points.size());
+  };
   auto const measure = [&](Search::Point const& x) {
-    PlainCapsule const c = capsule(x[0]);
+    PlainCapsule const c = capsule(x);
     return capsuleVolume(std::sqrt(c.core.lengthSquared), c.radius);
   };
-  // The volume can fall again towards the ball: one search from either end.
   Search::Result const thin = Search::minimum(measure, {0.0}, theStepOfRadius, theStartsOfRadius);
   Search::Result const thick = Search::minimum(measure, {1.0}, theStepOfRadius, theStartsOfRadius);
-  PlainCapsule result = capsule(thick.value < thin.value ? thick.x[0] : thin.x[0]);
+  PlainCapsule result = capsule(thick.value < thin.value ? thick.x : thin.x);
   result.takeIn(points.begin(), points.size());
-  return result;
+  return ZuCapsule(ZuLineSegment(result.core.endpoint0, result.core.endpoint1), result.radius);
+}
+
+/// On the axis of the solid, which is the hull of its two rims. A capsule on the axis holds a rim when it holds a point
+/// of it.
+ZuCapsule around(ZuFrustum const& solid) {
+  ZuVector const across = zuPerpendicular(solid.axis);
+  return leastOnAxis({solid.base, solid.axis}, {solid.base + solid.radius0 * across,
+                                                solid.base + solid.length * solid.axis + solid.radius1 * across});
 }
 
 /// Least capsules: two variables tilt the axis, two shift it, and one makes the radius larger than need be, which may
@@ -226,25 +234,34 @@ bool ZuCapsule::operator==(ZuCapsule const& other) const {
 
 void ZuCapsule::fitFromShape(ZuShape const& other) {
   if (isMesh(other.type())) return fitToPoints(as<ZuBasePhysicalExtent>(other).points());
-  if (other.type() == SPHERE) {
-    ZuSphere const& sphere = as<ZuSphere>(other);
-    setLineSegment(ZuLineSegment(sphere.center(), sphere.center()));
-    setRadius(sphere.radius());
-  } else if (other.type() == CAPSULE) {
-    ZuCapsule const& capsule = as<ZuCapsule>(other);
-    setLineSegment(capsule.lineSegment());
-    setRadius(capsule.radius());
-  } else if (other.type() == CYLINDER) {
-    ZuCylinder const& cylinder = as<ZuCylinder>(other);
-    ZuLineSegment rim;
-    cylinder.computeLineSegmentOnLateralSurface(ZuVector(), rim);
-    ZuFrustum const solid = ZuFrustum::along(cylinder.lineSegment().plain(), 0.0, 0.0);
-    PlainCapsule const fit = leastAround({solid.base, solid.axis}, {rim.endpoint0(), rim.endpoint1()});
-    setLineSegment(ZuLineSegment(fit.core.endpoint0, fit.core.endpoint1));
-    setRadius(fit.radius);
-  } else {
-    printNotSupported("ZuCapsule::fitFromShape-->expand", other);
+  switch (other.type()) {
+    case SPHERE: {
+      ZuSphere const& sphere = as<ZuSphere>(other);
+      return become(ZuCapsule(ZuLineSegment(sphere.center(), sphere.center()), sphere.radius()));
+    }
+    case CAPSULE: {
+      ZuCapsule const& capsule = as<ZuCapsule>(other);
+      return become(ZuCapsule(capsule.lineSegment(), capsule.radius()));
+    }
+    case TETRAHEDRON:
+    case BOX:
+      return fitToPoints(other.physicalExtent().points());
+    case CYLINDER: {
+      ZuCylinder const& cylinder = as<ZuCylinder>(other);
+      return become(around(ZuFrustum::along(cylinder.lineSegment().plain(), cylinder.radius(), cylinder.radius())));
+    }
+    case CONE: {
+      ZuCone const& cone = as<ZuCone>(other);
+      return become(around(ZuFrustum::along(cone.lineSegment().plain(), cone.radius(), 0.0)));
+    }
+    default:
+      printNotSupported("ZuCapsule::fitFromShape-->expand", other);
   }
+}
+
+void ZuCapsule::become(ZuCapsule const& other) {
+  setLineSegment(other.lineSegment());
+  setRadius(other.radius());
 }
 
 ZuVector ZuCapsule::computeSupportPoint(ZuVector const& direction) const {

@@ -37,8 +37,8 @@ class ZU_API ZuCapsule : public ZuXmlClass<ZuCapsule, ZuShape> {
 
   // Overrides; see ZuShape
 
-  /// Exact for spheres and capsules; a mesh goes through fitToPoints(). Of a cylinder, the least capsule with its core
-  /// on the same axis. Anything else prints a line.
+  /// Exact for spheres and capsules. Mesh, box, tetrahedron: fitToPoints() of the vertices. Cylinder, cone: the least
+  /// capsule with its core on the same axis. All of them enclose. Anything else prints a line.
   void fitFromShape(ZuShape const& other) override;
   /// The same as supportPoint().
   ZuVector computeSupportPoint(ZuVector const& direction) const override;
@@ -122,6 +122,7 @@ class ZU_API ZuCapsule : public ZuXmlClass<ZuCapsule, ZuShape> {
   static ZuCapsule testObject();
 
  private:
+  void become(ZuCapsule const& other);
   static double boundedDistance(double coreDistance, double radius1, double radius2);
 
   ZuLineSegment m_LineSegment;

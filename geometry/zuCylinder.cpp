@@ -7,6 +7,7 @@
 #include "foundation/zuPrint.h"
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuPointFit.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -21,13 +22,6 @@ constexpr double thePi = 3.141592653589793;
 constexpr double theLeastHeight = 1e-6;
 /// Growing moves the axis by its rounding, which shows in flat cylinders; a second round takes that in, and a third.
 constexpr int theRoundsOfGrowth = 4;
-/// Squared lengths of directions between these bounds neither overflow nor lose digits on the way to a support point.
-constexpr double theSmallestSquare = 1e-200;
-constexpr double theLargestSquare = 1e200;
-/// Squared sine of the angle between a direction and the axis below which the part across is rounded off once more.
-constexpr double theCancelling = 1e-2;
-/// Squared sine of the angle below which a direction counts as along the axis: that of rounding.
-constexpr double theParallel = 1e-30;
 
 /// A circle in a plane, given by 2-D points.
 struct FlatPoint {
@@ -191,6 +185,11 @@ void ZuCylinder::fitFromShape(ZuShape const& other) {
       setRadius(cylinder.radius());
       return setLineSegment(axis);
     }
+    case CONE: {
+      ZuCone const& cone = as<ZuCone>(other);
+      setRadius(cone.radius());
+      return setLineSegment(cone.lineSegment());
+    }
     default:
       printNotSupported("ZuCylinder::fitFromShape-->expand", other);
   }
@@ -203,21 +202,11 @@ void ZuCylinder::takeRoundEnds(ZuLineSegment const& core, double radius) {
   setRadius(radius);
 }
 
-/// With n the unit axis, the part of the direction across it is d - (d . n) n.
 ZuVector ZuCylinder::computeSupportPoint(ZuVector const& direction) const {
-  double const squared = direction.magSquared();
-  if (!(squared > theSmallestSquare && squared < theLargestSquare)) return supportOfExtremes(direction);
-  bool const isDisc = !(m_LineSegment.lengthSquared() > 0.0);
-  ZuVector const delta = isDisc ? ZuVector::zVector(1.0) : m_LineSegment.delta();
-  double const inverse = isDisc ? 1.0 : 1.0 / m_LineSegment.lengthSquared();
-  double const along = direction.dot(delta);
-  ZuVector const& end = along > 0.0 ? m_LineSegment.endpoint1() : m_LineSegment.endpoint0();
-  ZuVector across = direction - (along * inverse) * delta;
-  if (across.magSquared() < theCancelling * squared) {
-    across -= (across.dot(delta) * inverse) * delta;
-    if (across.magSquared() <= theParallel * squared) return end;
-  }
-  return end + across * (std::max(0.0, m_Radius.value()) / std::sqrt(across.magSquared()));
+  if (!ZuAxialDirection::isSafe(direction)) return supportOfExtremes(direction);
+  ZuAxialDirection const seen(direction, m_LineSegment.delta(), m_LineSegment.lengthSquared());
+  ZuVector const& end = seen.along > 0.0 ? m_LineSegment.endpoint1() : m_LineSegment.endpoint0();
+  return seen.across == 0.0 ? end : end + seen.unit * std::max(0.0, m_Radius.value());
 }
 
 ZuVector ZuCylinder::supportOfExtremes(ZuVector const& direction) const {
@@ -502,7 +491,7 @@ bool ZuCylinder::computeLineSegmentOnLateralSurface(ZuVector const& direction, Z
   ZuFrustum const s = solid();
   ZuVector const unit = direction.unitVector();
   ZuVector const across = zuAcross(unit, s.axis);
-  bool const isAcross = across.magSquared() > theParallel;
+  bool const isAcross = across.magSquared() > ZuAxialDirection::m_theParallel;
   ZuVector const offset = (isAcross ? across.unitVector() : zuPerpendicular(s.axis)) * s.radius0;
   out = ZuLineSegment(m_LineSegment.endpoint0() + offset, m_LineSegment.endpoint1() + offset);
   return isAcross;

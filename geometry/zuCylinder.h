@@ -46,8 +46,9 @@ class ZU_API ZuCylinder : public ZuXmlClass<ZuCylinder, ZuShape> {
 
   // Overrides; see ZuShape
 
-  /// Meshes: fitToPoints(). A cylinder: the same. A sphere or capsule: the cylinder along the capsule's core, or (0, 0,
-  /// 1) when it has length 0, whose caps touch the round ends. All of them enclose. Anything else prints a line.
+  /// Meshes: fitToPoints(). A cylinder: the same. A cone: on its axis, with its radius. A sphere or capsule: the
+  /// cylinder along the capsule's core, or (0, 0, 1) when it has length 0, whose caps touch the round ends. All of them
+  /// enclose. Anything else prints a line.
   void fitFromShape(ZuShape const& other) override;
   /// The same as supportPoint().
   ZuVector computeSupportPoint(ZuVector const& direction) const override;

@@ -18,6 +18,13 @@ struct ZuFrustum::Place {
   double distance;  ///< from the axis
 };
 
+/// In the half-plane: a nearest point of the surface, and the unit normal there.
+struct ZuFrustum::Nearest {
+  ZuOutlinePoint corner;
+  ZuOutlinePoint normal;
+  double distance;
+};
+
 /// By how much a point of a line is farther from the axis than the radius at its height:
 /// |w + t v| + slope * t - radius, which is convex in t.
 struct ZuFrustum::Excess {
@@ -64,47 +71,73 @@ ZuFrustum::Place ZuFrustum::placeOf(ZuVector const& p) const {
   return place;
 }
 
-bool ZuFrustum::holds(ZuVector const& p) const {
-  Place const place = placeOf(p);
+bool ZuFrustum::holds(Place const& place) const {
   return place.height >= 0.0 && place.height <= length && place.distance <= radiusAt(place.height);
 }
 
-/// The point in the half-plane of the place.
-ZuVector ZuFrustum::pointAt(Place const& place, ZuOutlinePoint const& corner) const {
-  if (place.distance > 0.0) {
-    return base + corner.height * axis + place.radial * (corner.radius / place.distance);
-  }
-  return base + corner.height * axis + zuPerpendicular(axis) * corner.radius;
+bool ZuFrustum::holds(ZuVector const& p) const { return holds(placeOf(p)); }
+
+/// A vector in the half-plane of the place; some half-plane for a place on the axis.
+ZuVector ZuFrustum::inSpace(Place const& place, ZuOutlinePoint const& v) const {
+  ZuVector const out = place.distance > 0.0 ? place.radial * (v.radius / place.distance)
+                                            : (v.radius == 0.0 ? ZuVector() : zuPerpendicular(axis) * v.radius);
+  return v.height * axis + out;
 }
 
-/// The nearest point of the trapezium for a place outside, and its distance: that of the flat side beyond whose plane
-/// the place is, or of the slanted side.
-ZuOutlinePoint ZuFrustum::nearestOutside(Place const& place, double& distance) const {
+/// For a place outside: on the flat side beyond whose plane the place is, or on the slanted side. The difference gives
+/// the normal at corners only: on the sides, it would be rounding for places that are close.
+ZuFrustum::Nearest ZuFrustum::nearestOutside(Place const& place) const {
   double const h = place.height;
   double const r = place.distance;
-  ZuOutlinePoint nearest{std::clamp(h, 0.0, length), std::min(r, h > length ? radius1 : radius0)};
-  distance = std::hypot(h - nearest.height, r - nearest.radius);
-  if (radius0 == radius1) return nearest;
+  auto const from = [&](ZuOutlinePoint const& corner) {
+    Nearest nearest{corner, {h - corner.height, r - corner.radius}, 0.0};
+    nearest.distance = std::hypot(nearest.normal.height, nearest.normal.radius);
+    if (!(nearest.distance > 0.0)) return Nearest{corner, sideDirection(), 0.0};
+    nearest.normal = {nearest.normal.height / nearest.distance, nearest.normal.radius / nearest.distance};
+    return nearest;
+  };
+  Nearest const onFlat = from({std::clamp(h, 0.0, length), std::min(r, h > length ? radius1 : radius0)});
+  if (radius0 == radius1) return onFlat;
   double const narrowing = radius0 - radius1;
   double const along = (h * length - (r - radius0) * narrowing) / (length * length + narrowing * narrowing);
   double const part = zuClampToUnit(along);
-  ZuOutlinePoint const onSide{part * length, radius0 - part * narrowing};
-  double const toSide = std::hypot(h - onSide.height, r - onSide.radius);
+  Nearest onSide = from({part * length, radius0 - part * narrowing});
   bool const isBesideFlat = h >= 0.0 && h <= length;
-  if (!isBesideFlat && distance <= toSide) return nearest;
-  distance = toSide;
+  if (!isBesideFlat && onFlat.distance <= onSide.distance) return onFlat;
+  if (part > 0.0 && part < 1.0) onSide.normal = sideDirection();
   return onSide;
+}
+
+/// For a place inside: the nearest of the lines of the sides, whose foot is on the side itself.
+ZuFrustum::Nearest ZuFrustum::nearestInside(Place const& place) const {
+  double const overTop = place.height - length;
+  double const overSide = heightOverSide(place);
+  double const distance = std::max({-place.height, overTop, overSide});
+  if (distance == overSide) {
+    ZuOutlinePoint const out = sideDirection();
+    return {{place.height - distance * out.height, place.distance - distance * out.radius}, out, distance};
+  }
+  bool const isTop = distance == overTop;
+  return {{isTop ? length : 0.0, place.distance}, {isTop ? 1.0 : -1.0, 0.0}, distance};
 }
 
 double ZuFrustum::distanceTo(ZuVector const& p, ZuVector& closest) const {
   Place const place = placeOf(p);
-  if (place.height >= 0.0 && place.height <= length && place.distance <= radiusAt(place.height)) {
+  if (holds(place)) {
     closest = p;
     return 0.0;
   }
-  double distance;
-  closest = pointAt(place, nearestOutside(place, distance));
-  return distance;
+  Nearest const nearest = nearestOutside(place);
+  closest = base + inSpace(place, nearest.corner);
+  return nearest.distance;
+}
+
+double ZuFrustum::signedDistanceTo(ZuVector const& p, ZuVector& closest, ZuVector& normal) const {
+  Place const place = placeOf(p);
+  Nearest const nearest = holds(place) ? nearestInside(place) : nearestOutside(place);
+  closest = base + inSpace(place, nearest.corner);
+  normal = inSpace(place, nearest.normal);
+  return nearest.distance;
 }
 
 /// Unit outward normal of the slanted side, in the half-plane.
@@ -116,22 +149,6 @@ ZuOutlinePoint ZuFrustum::sideDirection() const {
 /// Of the place over the line of the slanted side: negative on the inner side.
 double ZuFrustum::heightOverSide(Place const& place) const {
   return (place.distance - radiusAt(place.height)) * sideDirection().radius;
-}
-
-double ZuFrustum::signedDistanceTo(ZuVector const& p, ZuVector& closest) const {
-  Place const place = placeOf(p);
-  double const overTop = place.height - length;
-  double const overSide = heightOverSide(place);
-  double distance = std::max({-place.height, overTop, overSide});
-  if (distance > 0.0 || !holds(p)) {
-    closest = pointAt(place, nearestOutside(place, distance));
-  } else if (distance == overSide) {
-    ZuOutlinePoint const out = sideDirection();
-    closest = pointAt(place, {place.height - distance * out.height, place.distance - distance * out.radius});
-  } else {
-    closest = pointAt(place, {distance == overTop ? length : 0.0, place.distance});
-  }
-  return distance;
 }
 
 ZuVector ZuFrustum::sideNormal(Place const& place) const {
@@ -202,11 +219,12 @@ bool ZuFrustum::intersect(ZuPlainSegment const& segment, ZuShapePointEvent& even
   double exit;
   event.hit = cut(segment, entry, exit);
   if (!event.hit) return false;
-  ZuVector unused;
-  event.startsInside = signedDistanceTo(segment.endpoint0, unused) < 0.0;
-  event.endsInside = signedDistanceTo(segment.endpoint1, unused) < 0.0;
+  ZuVector point;
+  ZuVector normal;
+  event.startsInside = signedDistanceTo(segment.endpoint0, point, normal) < 0.0;
+  event.endsInside = signedDistanceTo(segment.endpoint1, point, normal) < 0.0;
   auto const at = [&](double t, bool isInside) {
-    ZuVector const point = zuPointAt(segment, t);
+    point = zuPointAt(segment, t);
     return ZuShapeSurfacePoint{t, point, isInside ? ZuVector() : normalAt(point)};
   };
   event.entry = at(event.startsInside ? 0.0 : entry, event.startsInside);

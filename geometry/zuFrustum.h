@@ -29,8 +29,10 @@ struct ZU_API ZuFrustum {
   bool holds(ZuVector const& p) const;
   /// Distance from the solid: 0 inside, where `closest` is the point itself.
   double distanceTo(ZuVector const& p, ZuVector& closest) const;
-  /// Distance from the surface, negative inside; `closest` is a point of the surface.
-  double signedDistanceTo(ZuVector const& p, ZuVector& closest) const;
+  /// Distance from the surface, negative inside.
+  /// @param closest a nearest point of the surface
+  /// @param normal unit outward normal there: p = closest + distance * normal
+  double signedDistanceTo(ZuVector const& p, ZuVector& closest, ZuVector& normal) const;
   /// Distance from the solid, 0 when they meet.
   /// @param t parameter, in [0, 1], of the point of the segment that is nearest; of a common point when they meet
   /// @param closest the point of the solid nearest to that one
@@ -50,12 +52,49 @@ struct ZU_API ZuFrustum {
 
  private:
   struct Place;
+  struct Nearest;
   struct Excess;
   Place placeOf(ZuVector const& p) const;
-  ZuVector pointAt(Place const& place, ZuOutlinePoint const& corner) const;
-  ZuOutlinePoint nearestOutside(Place const& place, double& distance) const;
+  bool holds(Place const& place) const;
+  ZuVector inSpace(Place const& place, ZuOutlinePoint const& direction) const;
+  Nearest nearestOutside(Place const& place) const;
+  Nearest nearestInside(Place const& place) const;
   double heightOverSide(Place const& place) const;
   ZuOutlinePoint sideDirection() const;
   ZuVector sideNormal(Place const& place) const;
   bool betweenPlanes(ZuPlainSegment const& segment, double& low, double& high) const;
+};
+
+/// A direction as an axis sees it, for support points. isSafe() has to be asked first.
+struct ZuAxialDirection {
+  double along;         ///< the direction times delta of the axis, or times (0, 0, 1) when its length is 0
+  double across = 0.0;  ///< length of the part across the axis; 0 when that is not more than rounding
+  ZuVector unit;        ///< along the part across, unless there is none
+
+  ZuAxialDirection(ZuVector const& direction, ZuVector const& delta, double lengthSquared) {
+    bool const isDisc = !(lengthSquared > 0.0);
+    ZuVector const axis = isDisc ? ZuVector::zVector(1.0) : delta;
+    double const inverse = isDisc ? 1.0 : 1.0 / lengthSquared;
+    double const squared = direction.magSquared();
+    along = direction.dot(axis);
+    unit = direction - (along * inverse) * axis;
+    if (unit.magSquared() < m_theCancelling * squared) {
+      unit -= (unit.dot(axis) * inverse) * axis;
+      if (unit.magSquared() <= m_theParallel * squared) return;
+    }
+    across = std::sqrt(unit.magSquared());
+    unit *= 1.0 / across;
+  }
+  /// Whether nothing overflows or loses digits.
+  static bool isSafe(ZuVector const& direction) {
+    double const squared = direction.magSquared();
+    return squared > m_theSmallestSquare && squared < m_theLargestSquare;
+  }
+
+  static constexpr double m_theSmallestSquare = 1e-200;
+  static constexpr double m_theLargestSquare = 1e200;
+  /// Squared sine of the angle to the axis below which the part across is rounded off once more.
+  static constexpr double m_theCancelling = 1e-2;
+  /// Squared sine of the angle below which a direction counts as along the axis: that of rounding.
+  static constexpr double m_theParallel = 1e-30;
 };

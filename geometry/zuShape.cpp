@@ -16,6 +16,7 @@
 #include "geometry/zuBasePhysicalExtent.h"
 #include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTokens.h"
@@ -65,6 +66,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuCylinder>();
     case ZuShape::BOX:
       return std::make_unique<ZuBox>();
+    case ZuShape::CONE:
+      return std::make_unique<ZuCone>();
     default:
       return nullptr;
   }

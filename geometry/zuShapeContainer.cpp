@@ -4,6 +4,7 @@
 
 #include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -26,6 +27,7 @@ ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuTetrahedron>(*this);
   registerSolid<ZuCylinder>(*this);
   registerSolid<ZuBox>(*this);
+  registerSolid<ZuCone>(*this);
   registerSolid<ZuPolyPhysicalExtent>(*this);
   registerSolid<ZuTriPhysicalExtent>(*this);
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuRectangle.h"
@@ -31,6 +32,14 @@ void makeRandom(RandomValues& random, ZuTetrahedron& t) {
   t.setV3(t.v0() * (1 - share) + t.v3() * share);
 }
 
+/// Of any slenderness; one in eight is nearly a disc, one a segment.
+void makeRandom(RandomValues& random, ZuCone& cone) {
+  ZuVector const base = random.vector();
+  unsigned int const kind = random.index(8);
+  cone.setLineSegment(ZuLineSegment(base, base + random.direction() * (kind == 0 ? 1e-3 : random.scale(0.3, 2.0))));
+  cone.setRadius(kind == 1 ? 0.0 : random.scale(0.1, 1.5));
+}
+
 template <class Solid>
 class ConvexSolid : public ProximityTest {
  protected:
@@ -49,7 +58,7 @@ class ConvexSolid : public ProximityTest {
   testing::ScopedTrace m_Trace{__FILE__, __LINE__, m_Random.trace()};
 };
 
-using Solids = testing::Types<ZuTetrahedron>;
+using Solids = testing::Types<ZuCone, ZuTetrahedron>;
 TYPED_TEST_SUITE(ConvexSolid, Solids);
 
 /// The least that the solid has to be moved along the direction to leave the point behind.

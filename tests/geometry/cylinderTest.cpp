@@ -209,8 +209,7 @@ TEST_F(Cylinder, FitsEncloseTheRealMeshesTightly) {
     EXPECT_LE(mostOutside(fit, points), 1e-12) << name;
     sumOfRatios += fit.volume() / extentVolume(hull);
   }
-  RecordProperty("meanRatio", std::to_string(sumOfRatios / 12));
-  EXPECT_LT(sumOfRatios / 12, 2.17);
+  EXPECT_LT(sumOfRatios / 12, 2.17);  // 2.160 when this was written
 }
 
 TEST_F(Cylinder, FitsTakeDegenerateSetsAndGrowthKeepsWhatWasInside) {

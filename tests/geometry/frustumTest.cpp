@@ -41,15 +41,15 @@ TEST(Frustum, DistancesOfPointsAreThoseOfTheTrapezium) {
     ZuFrustum const f = randomFrustum(random);
     ZuVector const p = i % 10 == 0 ? f.base + f.axis * random.real(-1, 2) : f.base + random.vector();
     double const expected = trapeziumDistance(f, p);
-    ZuVector closest, onSurface, toSurface;
+    ZuVector closest, onSurface, out;
     inside += expected < 0.0;
     ASSERT_NEAR(f.distanceTo(p, closest), std::max(expected, 0.0), 1e-14);
-    ASSERT_NEAR(f.signedDistanceTo(p, onSurface), expected, 1e-14);
+    ASSERT_NEAR(f.signedDistanceTo(p, onSurface, out), expected, 1e-14);
     EXPECT_TRUE(std::abs(expected) < 1e-14 || f.holds(p) == (expected <= 0.0));
     for (ZuVector const& q : {closest, onSurface}) EXPECT_LE(trapeziumDistance(f, q), 1e-14);
     EXPECT_NEAR(closest.distanceTo(p), std::max(expected, 0.0), 1e-14);
     EXPECT_NEAR(onSurface.distanceTo(p), std::abs(expected), 1e-14);
-    ZuVector const out = f.normalAt(onSurface);
+    EXPECT_TRUE((onSurface + expected * out).approxEq(p, 1e-13));
     ASSERT_NEAR(trapeziumDistance(f, onSurface + 1e-3 * out), f.radius0 * f.length > 0.0 ? 1e-3 : 5e-4,
                 f.radius0 * f.length > 0.0 ? 1e-13 : 6e-4);
   }

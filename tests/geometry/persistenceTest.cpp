@@ -20,6 +20,7 @@
 #include "geometry/zuBrick.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCircle.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuFacetGroups.h"
 #include "geometry/zuGeneralForce.h"
@@ -58,10 +59,11 @@ using ValueClasses =
                ZuGeometryOverwriteDescriptor, ZuSpatialMatrix>;
 
 /// Classes that own memory for what they hold.
-using OwningClasses = std::tuple<ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap,
-                                 ZuXmlVectorVector, ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>,
-                                 ZuXmlMapType<Text, ZuXmlVector>, ZuXmlBaseVariableCompoundType, ZuPolygon,
-                                 ZuPolygonWithKey, ZuCapsule, ZuBox, ZuTetrahedron, ZuCylinder, ZuFacetGroups, ZuBrick>;
+using OwningClasses =
+    std::tuple<ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap, ZuXmlVectorVector,
+               ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>, ZuXmlMapType<Text, ZuXmlVector>,
+               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuTetrahedron, ZuCylinder,
+               ZuCone, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
