@@ -10,6 +10,7 @@
 #include "geometry/zuCapsule.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuGeomTriangle.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuNearestPoints.h"
 #include "geometry/zuPointFit.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -37,10 +38,7 @@ struct BoxRule {
   static ZuPlainBox around(ZuFitFrame const& frame, std::array<double, theVariables> const& x, ZuVector const* points,
                            std::size_t count) {
     ZuPlainBox box{frame.center, {}, {}};
-    box.axes[0] = (frame.axes[0] + x[0] * frame.axes[1] + x[1] * frame.axes[2]).unitVector();
-    ZuVector const second = frame.axes[1] + x[2] * frame.axes[2];
-    box.axes[1] = (second - box.axes[0] * second.dot(box.axes[0])).unitVector();
-    box.axes[2] = box.axes[0].cross(box.axes[1]);
+    frame.turnedAxes(x[0], x[1], x[2], box.axes);
     for (unsigned int i = 0; i < 3; ++i) {
       double low = HUGE_VAL;
       double high = -HUGE_VAL;
@@ -220,6 +218,11 @@ double ZuBox::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformation 
     case TETRAHEDRON:
       if (checkIntersect(other, xform, descriptor, state, nullptr)) return 0.0;
       return leastFaceDistance(as<ZuTetrahedron>(other), xform);
+    case LOZENGE: {
+      ZuLozenge const& lozenge = as<ZuLozenge>(other);
+      if (checkIntersect(other, xform, descriptor, state, nullptr)) return 0.0;
+      return distanceTo(xform * lozenge.rectangle()) - lozenge.radius();
+    }
     default:
       printNotSupported("ZuBox::distanceTo-->Check", other);
       return 0.0;
@@ -255,6 +258,10 @@ bool ZuBox::checkIntersect(ZuShape const& other, ZuCoordinateSystemTransformatio
     }
     case TETRAHEDRON:
       return report(touches(as<ZuTetrahedron>(other), xform), descriptor, pairs);
+    case LOZENGE: {
+      ZuLozenge const& lozenge = as<ZuLozenge>(other);
+      return report(checkIntersect(xform * lozenge.rectangle(), lozenge.radius()), descriptor, pairs);
+    }
     default:
       printNotSupported("ZuBox::checkIntersect-->Distance", other);
       return false;
@@ -359,6 +366,9 @@ bool ZuBox::computePenetrationDistanceAndSupportPoints(ZuShape const& other,
     radius = as<ZuCapsule>(other).radius();
   } else if (other.type() == BOX) {
     core = as<ZuBox>(other).plain();
+  } else if (other.type() == LOZENGE) {
+    core = ZuPlainBox::aroundRectangle(as<ZuLozenge>(other).rectangle());
+    radius = as<ZuLozenge>(other).radius();
   } else {
     return ZuShape::computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, distance, direction);
   }

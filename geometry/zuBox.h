@@ -28,7 +28,8 @@ struct ZuPlainBox;
 /// | 4 capsule       | exact; core inside: - radius    | exact, **as it stands** | exact       |
 /// | 6 tetrahedron   | exact, 0 when they overlap      | exact                   | engine      |
 /// | 7 box           | exact, 0 when they overlap      | not answered            | exact       |
-/// | 5, 8 to 14      | not answered                    | not answered            | engine      |
+/// | 8 lozenge       | exact, 0 when they overlap      | exact                   | exact       |
+/// | 5, 9 to 14      | not answered                    | not answered            | engine      |
 ///
 /// Witness points are the engine's for every shape.
 ///
@@ -84,7 +85,7 @@ class ZU_API ZuBox : public ZuXmlClass<ZuBox, ZuShape> {
   ZuBasePhysicalExtent& physicalExtent() const override;
   bool isConvex() const override { return true; }
   ZuShapeValues type() const override { return BOX; }
-  /// Sphere, capsule, box: in closed form, returning whether the two touch or overlap. The distance is signed,
+  /// Sphere, capsule, box, lozenge: in closed form, returning whether the two touch or overlap. The distance is signed,
   /// also where distanceTo() is not; the direction is the unit vector from this box towards the other shape, along
   /// which the other one leaves by the shortest way when they overlap.
   bool computePenetrationDistanceAndSupportPoints(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
@@ -160,6 +161,9 @@ class ZU_API ZuBox : public ZuXmlClass<ZuBox, ZuShape> {
   /// Whether the rectangle comes within the margin, m, of the box.
   bool checkIntersect(ZuRectangle const& rectangle, ZuReal margin) const;
 
+  /// For algorithms of the library.
+  ZuPlainBox plain() const;
+
   // Persistence; see ZuXmlCompoundType
   void registerComponents() override;
   bool read(ZuXmlReader& reader) override;
@@ -170,7 +174,6 @@ class ZU_API ZuBox : public ZuXmlClass<ZuBox, ZuShape> {
  private:
   using Corners = std::array<ZuVector, 8>;
 
-  ZuPlainBox plain() const;
   ZuVector toLocal(ZuVector const& point) const;
   ZuVector fromLocal(ZuVector const& local) const;
   void closeCase(ZuVector& point, ZuVector const& direction, ZuReal t, ZuReal& squared) const;

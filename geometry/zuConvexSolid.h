@@ -51,6 +51,16 @@ class ZU_API ZuConvexSolid : public ZuShape {
                                     ZuVector& witness1, ZuVector& witness2) const override;
 
  protected:
+  /// Where the surfaces of two solids come closest, or leave each other by the shortest way.
+  struct Contact {
+    ZuVector onThis;
+    ZuVector normal;
+    double distance;
+    ZuVector onOther() const { return onThis + normal * distance; }
+  };
+  /// Fills the contact when the pair is one of closed form; a class with more such pairs asks its base for the rest.
+  virtual bool inClosedForm(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
+                            Contact& contact) const;
   /// For messages.
   virtual char const* className() const = 0;
   /// The point of the surface nearest to the point, and the outward unit normal there along which the two are apart:
@@ -66,13 +76,4 @@ class ZU_API ZuConvexSolid : public ZuShape {
   /// @return false, and nothing happens, for other shapes
   bool fitToVerticesOf(ZuShape const& other);
   void printUnanswered(char const* operation, ZuShape const& other) const;
-
- private:
-  struct Contact {
-    ZuVector onThis;
-    ZuVector normal;
-    double distance;
-    ZuVector onOther() const { return onThis + normal * distance; }
-  };
-  bool inClosedForm(ZuShape const& other, ZuCoordinateSystemTransformation const& xform, Contact& contact) const;
 };

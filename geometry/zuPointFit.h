@@ -14,6 +14,14 @@ struct ZuFitFrame {
   ZuVector center;
   ZuVector axes[3];
   double size;
+
+  /// Perpendicular axes that are turned by the variables, angles when they are small.
+  void turnedAxes(double x0, double x1, double x2, ZuVector (&turned)[3]) const {
+    turned[0] = (axes[0] + x0 * axes[1] + x1 * axes[2]).unitVector();
+    ZuVector const second = axes[1] + x2 * axes[2];
+    turned[1] = (second - turned[0] * second.dot(turned[0])).unitVector();
+    turned[2] = turned[0].cross(turned[1]);
+  }
 };
 
 /// Searches for the enclosing solid of least volume.

@@ -22,6 +22,7 @@
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuGjk.h"
 #include "geometry/zuLineSegment.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuPolygonWithKey.h"
 #include "geometry/zuShapeCollisionEvent.h"
@@ -68,6 +69,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuBox>();
     case ZuShape::CONE:
       return std::make_unique<ZuCone>();
+    case ZuShape::LOZENGE:
+      return std::make_unique<ZuLozenge>();
     default:
       return nullptr;
   }

@@ -7,6 +7,7 @@
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuGeomTokens.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuSphere.h"
 #include "geometry/zuTetrahedron.h"
@@ -28,6 +29,7 @@ ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuCylinder>(*this);
   registerSolid<ZuBox>(*this);
   registerSolid<ZuCone>(*this);
+  registerSolid<ZuLozenge>(*this);
   registerSolid<ZuPolyPhysicalExtent>(*this);
   registerSolid<ZuTriPhysicalExtent>(*this);
 }

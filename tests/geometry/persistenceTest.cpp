@@ -29,6 +29,7 @@
 #include "geometry/zuGeometryOverwriteDescriptor.h"
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuPlanarVector.h"
 #include "geometry/zuPlane.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -62,8 +63,8 @@ using ValueClasses =
 using OwningClasses =
     std::tuple<ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap, ZuXmlVectorVector,
                ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>, ZuXmlMapType<Text, ZuXmlVector>,
-               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuTetrahedron, ZuCylinder,
-               ZuCone, ZuFacetGroups, ZuBrick>;
+               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuLozenge, ZuTetrahedron,
+               ZuCylinder, ZuCone, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
