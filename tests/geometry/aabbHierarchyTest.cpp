@@ -1,5 +1,3 @@
-#include <set>
-
 #include "geometry/zuAABBHierarchyGeneration.h"
 #include "geometry/zuGeomTriangle.h"
 #include "tests/convexOracle.h"
@@ -29,7 +27,7 @@ ZuVector anyPoint(RandomValues& random, bool onGrid) {
 
 }  // namespace
 
-TEST(AabbHierarchy, FindsOnRealMeshesWhatALinearSearchFinds) {
+TEST(AabbHierarchy, FindsTheNearestFacetOfRealMeshesWithFewLooks) {
   for (std::string const name : {"lego.obj", "hand_open.obj", "shape_sorter.obj", "wingnut.obj"}) {
     SCOPED_TRACE(name);
     ObjMesh const mesh = ObjMesh::read(sharedFile("data/objects/" + name));
@@ -45,29 +43,17 @@ TEST(AabbHierarchy, FindsOnRealMeshesWhatALinearSearchFinds) {
     ASSERT_TRUE(hierarchy.validate(boxes));
     TracedValues random(401);
     double const size = mesh.size();
-    std::size_t looks = 0, hits = 0;
+    std::size_t looks = 0;
     auto const ask = [&](auto const& figure, auto const& bound) {
       double expected = HUGE_VAL;
-      std::set<unsigned int> expectedHits, foundHits;
-      for (unsigned int k = 0; k < triangles.size(); ++k) {
-        expected = std::min(expected, triangles[k].distanceTo(figure));
-        if (triangles[k].checkIntersect(figure)) expectedHits.insert(k);
-      }
+      for (ZuGeomTriangle const& t : triangles) expected = std::min(expected, t.distanceTo(figure));
       double const found = hierarchy.nearest(
           HUGE_VAL, [&](Box const& box) { return bound.distanceSquaredTo(box); },
           [&](unsigned int place, double& best) {
             ++looks;
             best = std::min(best, std::pow(triangles[hierarchy.order()[place]].distanceTo(figure), 2.0));
           });
-      hierarchy.anyOf([&](Box const& box) { return bound.mayMeet(box); },
-                      [&](unsigned int place) {
-                        unsigned int const facet = hierarchy.order()[place];
-                        if (triangles[facet].checkIntersect(figure)) foundHits.insert(facet);
-                        return false;
-                      });
       EXPECT_NEAR(std::sqrt(found), expected, 1e-15 * size);
-      EXPECT_EQ(foundHits, expectedHits);
-      hits += expectedHits.size();
     };
     for (int i = 0; i < 30; ++i) {
       ZuVector const near = mesh.points[random.index(static_cast<unsigned int>(mesh.points.size()))];
@@ -78,7 +64,6 @@ TEST(AabbHierarchy, FindsOnRealMeshesWhatALinearSearchFinds) {
       ask(ZuGeomTriangle(a, b, c), Hierarchy::TriangleBound(a, b, c));
     }
     EXPECT_LT(looks, 60 * triangles.size() / 4);
-    EXPECT_GT(hits, 30U);
   }
 }
 

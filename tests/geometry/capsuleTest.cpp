@@ -147,12 +147,12 @@ TEST_F(Capsule, SegmentsAreCutWhereTheyEnterAndLeave) {
 TEST_F(Capsule, TouchingAndDegenerateSegmentsHitInOnePoint) {
   ZuCapsule const c = capsule({0, 0, 0}, {0, 0, 4}, 1);
   ZuShapePointEvent event;
-  for (auto const& [from, to, entry, exit, normal] :
-       std::vector<std::tuple<ZuVector, ZuVector, double, double, ZuVector>>{
-           {{1, -2, 3}, {1, 2, 3}, 0.5, 0.5, {1, 0, 0}},            // touches the tube
-           {{-1, 0, 5}, {3, 0, 5}, 0.25, 0.25, {0, 0, 1}},          // touches the end
-           {{1, 0, -4}, {1, 0, 8}, 4.0 / 12, 8.0 / 12, {1, 0, 0}},  // along the tube
-           {{0, 0, 5}, {0, 0, 5}, 0, 0, {0, 0, 1}}}) {
+  std::tuple<ZuVector, ZuVector, double, double, ZuVector> const theCases[] = {
+      {{1, -2, 3}, {1, 2, 3}, 0.5, 0.5, {1, 0, 0}},            // touches the tube
+      {{-1, 0, 5}, {3, 0, 5}, 0.25, 0.25, {0, 0, 1}},          // touches the end
+      {{1, 0, -4}, {1, 0, 8}, 4.0 / 12, 8.0 / 12, {1, 0, 0}},  // along the tube
+      {{0, 0, 5}, {0, 0, 5}, 0, 0, {0, 0, 1}}};
+  for (auto const& [from, to, entry, exit, normal] : theCases) {
     ASSERT_TRUE(c.intersectLineSegment(ZuLineSegment(from, to), event));
     EXPECT_NEAR(std::abs(event.entry.t - entry) + std::abs(event.exit.t - exit), 0.0, 1e-15);
     EXPECT_TRUE(event.entry.normal.approxEq(normal, 1e-15));
