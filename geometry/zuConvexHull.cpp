@@ -157,19 +157,20 @@ void qHull(double* coords, int numPoints, int dimension, int*& indices, int& num
   runChecked({coords, numPoints, dimension, nullptr, indices, 0}, numFacets);
 }
 
-bool ZuConvexHull::reserve(std::size_t numberOfPoints, std::size_t coordinates, std::size_t indices) {
+bool ZuConvexHull::reserve(char const* function, std::size_t numberOfPoints, std::size_t coordinates,
+                           std::size_t indices) {
   bool const fits = numberOfPoints <= theLargestCount &&
                     grow(m_Coordinates, m_CoordinateCapacity, coordinates, static_cast<double*>(nullptr)) &&
                     grow(m_Indices, m_IndexCapacity, indices, static_cast<int*>(nullptr));
   if (!fits) {
-    Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuConvexHull::computeConvexHull-->too many points (%llu)",
+    Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuConvexHull::%s-->too many points (%llu)", function,
                                 static_cast<unsigned long long>(numberOfPoints));
   }
   return fits;
 }
 
 int ZuConvexHull::triangulate(ZuVector const* points, std::size_t n) {
-  if (!reserve(n, 3 * n, 6 * n + 12)) return 0;
+  if (!reserve("computeConvexHull", n, 3 * n, 6 * n + 12)) return 0;
   copyNormalised([points](std::size_t i, unsigned int k) { return points[i][k]; }, n, 3, m_Coordinates.get());
   int* indices = m_Indices.get();
   int numberOfTriangles = 0;
@@ -236,7 +237,7 @@ bool ZuConvexHull::compute2DConvexHull(double const* xy, unsigned int const& n,
                                        std::vector<unsigned int>& hullIndices) {
   std::size_t const count = n;
   hullIndices.clear();
-  if (!reserve(count, 2 * count, 2 * (2 * count + 4))) return false;
+  if (!reserve("compute2DConvexHull", count, 2 * count, 2 * (2 * count + 4))) return false;
   copyNormalised([xy](std::size_t i, unsigned int k) { return xy[2 * i + k]; }, count, 2, m_Coordinates.get());
   int* indices = m_Indices.get();
   int numberOfEdges = 0;

@@ -68,7 +68,7 @@ class ZU_API ZuConvexHull {
   std::size_t indexCapacity() const { return m_IndexCapacity; }
 
  private:
-  bool reserve(std::size_t numberOfPoints, std::size_t coordinates, std::size_t indices);
+  bool reserve(char const* function, std::size_t numberOfPoints, std::size_t coordinates, std::size_t indices);
   /// Leaves the corners in m_Indices; returns the number of triangles, 0 after a failure.
   int triangulate(ZuVector const* points, std::size_t numberOfPoints);
   template <class Facet>

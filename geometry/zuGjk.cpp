@@ -78,7 +78,7 @@ bool ZuGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateS
                      ZuCoordinateSystemTransformation const& T2, bool computePenetration, ZuVector& witness1,
                      ZuVector& witness2, double& distance, ZuVector* separation) {
   reset();
-  if (computePenetration && m_Facets.capacity() == 0) resetPenetration();
+  if (m_Facets.capacity() == 0) resetPenetration();
   ZuDifferenceSet const set(shape1, shape2, T1, T2);
   Loop loop;
   loop.v = startVector(set, separation, loop);

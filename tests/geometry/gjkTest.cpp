@@ -482,7 +482,7 @@ TEST(Gjk, QueriesAfterTheFirstDoNotAllocate) {
   RandomValues r(9);
   ZuGJK engine;
   HullShape const a = randomHull(r, 64), b = randomHull(r, 64);
-  Answer answer = ask(engine, a, b, Pose(), Pose(ZuVector(9.0, 0.0, 0.0)));
+  Answer answer = ask(engine, a, b, Pose(), Pose(ZuVector(9.0, 0.0, 0.0)), false);
   AllocationCounter const counter;
   for (int k = 0; k < 200; ++k) {
     answer = ask(engine, a, b, Pose(), Pose(r.vector(), r.orientation()), true, answer.separation);
