@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "foundation/zuPrint.h"
+#include "foundation/zuReArray.h"
 #include "foundation/zuXmlReader.h"
 #include "geometry/zuAABBCollisionDetection.h"
 #include "geometry/zuCapsule.h"
@@ -31,6 +32,7 @@ namespace {
 constexpr double theLowestDot = -1e16;
 
 char const* const theNoNeighborInfo = "ZuBasePhysicalExtent::supportPoint this physical ext has no neighbor info.";
+char const* const theVertexBeyond = "ZuBasePhysicalExtent::findLineAndNeighbors vertex id exceed size.";
 char const* const theNoFacetLists = "ZuBasePhysicalExtent::supportPoint m_VertexNeighborFacetsVector empty.";
 
 void print(char const* message) { Zu::Print::instance().write(Zu::PRINT_WARNING, "%s", message); }
@@ -78,6 +80,62 @@ template <class List>
 void append(List& list, List const& added) {
   for (auto const& item : added) list.pushBack(item);
 }
+
+/// How far a dent reaches: 1 at the center, 0 with slope 0 at the radius.
+struct Bump {
+  ZuVector center;
+  double radius;
+
+  double operator()(ZuVector const& p) const {
+    double const ratio = p.distanceTo(center) / radius;
+    return (1.0 - ratio * ratio) * (1.0 - ratio * ratio);
+  }
+};
+
+/// The same by a harmonic function, 1 at the center and 0 on the sphere of the radius: a sum of the fundamental
+/// solutions 1 / |p - source| of sources outside the solid, whose strengths are found by collocation (the method of
+/// fundamental solutions, Fairweather and Karageorghis 1998).
+class FundamentalSolutions {
+ public:
+  FundamentalSolutions(ZuVector const& center, ZuVector const& normal, double radius) {
+    std::vector<ZuVector> places = {center};
+    m_Sources = {center + normal * (theDepth * radius)};
+    for (int i = 0; i < 27; ++i) {
+      if (i == 13) continue;
+      ZuVector const direction = ZuVector(i % 3 - 1, i / 3 % 3 - 1, i / 9 - 1).unitVector();
+      places.push_back(center + direction * radius);
+      m_Sources.push_back(center + direction * (theOuterSphere * radius));
+    }
+    auto const n = static_cast<unsigned int>(places.size());
+    ZuReArray influence(n, n), wanted(n, 1);
+    wanted(0, 0) = 1.0;
+    for (unsigned int i = 0; i < n; ++i) {
+      for (unsigned int j = 0; j < n; ++j) influence(i, j) = radius / places[i].distanceTo(m_Sources[j]);
+    }
+    m_Radius = influence.solve(wanted, m_Strengths) ? radius : 0.0;
+  }
+
+  double operator()(ZuVector const& p) const {
+    if (m_Radius == 0.0) return 0.0;
+    double sum = 0.0;
+    for (unsigned int j = 0; j < m_Sources.size(); ++j) {
+      sum += m_Strengths(j, 0) * (m_Radius / std::max(p.distanceTo(m_Sources[j]), m_Radius * theNearest));
+    }
+    return std::min(std::max(sum, 0.0), 1.0);
+  }
+
+ private:
+  /// Of the radius: how far outside the surface the source at the center lies. Smaller: a sharper dent.
+  static constexpr double theDepth = 0.25;
+  /// Of the radius: where the sources lie that hold the sphere still. The nearer, the less smooth between them.
+  static constexpr double theOuterSphere = 2.0;
+  /// Of the radius: keeps a point on a source finite.
+  static constexpr double theNearest = 1e-6;
+
+  std::vector<ZuVector> m_Sources;
+  ZuReArray m_Strengths;
+  double m_Radius;
+};
 
 }  // namespace
 
@@ -278,13 +336,24 @@ void ZuBasePhysicalExtent::findLineAndNeighbors() {
     }
   }
   for (ZuLineAndNeighbors& line : lines()) collectFacetsBeside(line);
+  tellEdgesBeyondThePoints();
   setComputed(LINES);
+}
+
+/// Such edges are no lines; each is told where a facet has it.
+void ZuBasePhysicalExtent::tellEdgesBeyondThePoints() const {
+  forEachFacet([this](ZuFacetIndex const&, ZuListView<unsigned int> loop) {
+    for (std::size_t k = 0; k < loop.size(); ++k) {
+      unsigned int const a = loop[k], b = loop[k + 1 == loop.size() ? 0 : k + 1];
+      if (std::max(a, b) >= m_Points.size()) print(theVertexBeyond);
+    }
+  });
 }
 
 void ZuBasePhysicalExtent::collectFacetsBeside(ZuLineAndNeighbors& line) const {
   FacetLists const& facets = vertexNeighborFacetsVector();
   if (line.vertexIndex1() >= facets.size()) {
-    return print("ZuBasePhysicalExtent::findLineAndNeighbors vertex id exceed size.");
+    return print(theVertexBeyond);
   }
   ZuListView<ZuFacetIndex> fewer = facets[line.vertexIndex0()], more = facets[line.vertexIndex1()];
   if (more.size() < fewer.size()) std::swap(fewer, more);
@@ -527,7 +596,9 @@ void ZuBasePhysicalExtent::prepareClimb() const {
   }
   m_Climb = Climb();
   m_Climb.isReady = true;
-  m_Climb.isWholeMesh = used.size() <= m_theLargestScan || !isConnected(used);
+  bool const climbs = used.size() > m_theLargestScan && vertexNeighborVerticesVector().size() == m_Points.size();
+  if (climbs) weldClimb(used);
+  m_Climb.isWholeMesh = !climbs || !isConnected(used);
   if (m_Climb.isWholeMesh) {
     m_Climb.starts = std::move(used);
     return;
@@ -543,10 +614,38 @@ void ZuBasePhysicalExtent::prepareClimb() const {
   }
 }
 
-/// Whether edges join every vertex to every other one: not so where facets have vertices of their own.
+/// Vertices in one place, on both sides of a seam or of facets with vertices of their own, become one of them, which
+/// stands for all: the climb would otherwise end at the seam.
+void ZuBasePhysicalExtent::weldClimb(std::vector<unsigned int>& used) const {
+  std::vector<unsigned int> const welded = zuWeld(m_Points);
+  auto const isCopy = [&welded](unsigned int i) { return welded[i] != i; };
+  if (std::none_of(used.begin(), used.end(), isCopy)) return;
+  auto const forEachEdge = [&](auto const& visit) {
+    for (unsigned int const i : used) {
+      for (unsigned int const j : vertexNeighborVerticesVector()[i]) {
+        if (j < welded.size() && welded[i] != welded[j]) visit(welded[i], welded[j]);
+      }
+    }
+  };
+  ZuCompressedListsBuilder<unsigned int> neighbors(m_Points.size());
+  forEachEdge([&neighbors](unsigned int a, unsigned int) { neighbors.announce(a); });
+  neighbors.endAnnouncing();
+  forEachEdge([&neighbors](unsigned int a, unsigned int b) {
+    if (!contains(neighbors.list(a), b)) neighbors.add(a, b);
+  });
+  m_Climb.welded = neighbors.lists();
+  for (unsigned int& i : used) i = welded[i];
+  std::sort(used.begin(), used.end());
+  used.erase(std::unique(used.begin(), used.end()), used.end());
+}
+
+ZuBasePhysicalExtent::IndexLists const& ZuBasePhysicalExtent::climbNeighbors() const {
+  return m_Climb.welded.empty() ? m_Derived.vertexNeighborVertices : m_Climb.welded;
+}
+
+/// Whether edges join every vertex to every other one.
 bool ZuBasePhysicalExtent::isConnected(std::vector<unsigned int> const& used) const {
-  IndexLists const& neighbors = vertexNeighborVerticesVector();
-  if (neighbors.size() != m_Points.size()) return false;
+  IndexLists const& neighbors = climbNeighbors();
   std::vector<bool> isReached(m_Points.size(), false);
   std::vector<unsigned int> reached = {used[0]};
   isReached[used[0]] = true;
@@ -561,7 +660,7 @@ bool ZuBasePhysicalExtent::isConnected(std::vector<unsigned int> const& used) co
 }
 
 void ZuBasePhysicalExtent::climbFromBestStart(ZuVector const& direction) const {
-  IndexLists const& neighbors = m_Derived.vertexNeighborVertices;
+  IndexLists const& neighbors = climbNeighbors();
   unsigned int present = m_Climb.starts[0];
   double best = -std::numeric_limits<double>::infinity();
   auto const tryVertex = [this, &direction, &present, &best](unsigned int vertex) {
@@ -603,8 +702,20 @@ void ZuBasePhysicalExtent::scalePoints(ZuVector const& f) {
   for (ZuVector& n : m_Normals) {
     n = ZuVector(n.x() * cofactors.x(), n.y() * cofactors.y(), n.z() * cofactors.z()).unitVector();
   }
-  if (sign < 0.0) reverseFacets();
+  if (sign < 0.0) {
+    reverseFacets();
+    rebuildNeighbors();
+  }
   pointsMoved();
+}
+
+/// The neighbours that were built, in the order of loops that have changed.
+void ZuBasePhysicalExtent::rebuildNeighbors() {
+  if (isComputed(VERTEX_VERTICES)) findVertexNeighborVertices();
+  if (isComputed(VERTEX_FACETS)) findVertexNeighborFacetsVector();
+  if (isComputed(LINES)) findLineAndNeighbors();
+  if (isComputed(VERTEX_LINES)) findVertexNeighborLines();
+  if (isComputed(FACET_LINES)) findFacetNeighborLinesVector();
 }
 
 void ZuBasePhysicalExtent::transformBy(ZuCoordinateSystemTransformation const& xform) {
@@ -730,45 +841,18 @@ bool ZuBasePhysicalExtent::isDeformationAllowed(char const* function, double rad
   return false;
 }
 
-/// Moves those of the vertices that are within the radius and tells which facets that changes.
-unsigned int ZuBasePhysicalExtent::displace(std::vector<unsigned int> const& vertices, ZuVector const& center,
-                                            ZuVector const& displacement, double radius) {
-  std::vector<bool> isMoved(m_Points.size(), false);
-  unsigned int count = 0;
-  for (unsigned int const i : vertices) {
-    double const ratio = m_Points[i].distanceTo(center) / radius;
-    if (!(ratio < 1.0)) continue;
-    double const weight = 1.0 - ratio * ratio;
-    m_Points[i] += displacement * (weight * weight);
-    isMoved[i] = true;
-    ++count;
+std::vector<unsigned int> ZuBasePhysicalExtent::verticesWithin(ZuVector const& center, double radius) const {
+  std::vector<unsigned int> vertices;
+  for (unsigned int i = 0; i < m_Points.size(); ++i) {
+    if (m_Points[i].distanceTo(center) < radius) vertices.push_back(i);
   }
-  if (count == 0) return 0;
-  forEachFacet([this, &isMoved](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
-    if (std::any_of(loop.begin(), loop.end(), [&](unsigned int i) { return i < isMoved.size() && isMoved[i]; })) {
-      m_ModifiedFacets.push_back(facet);
-    }
-  });
-  std::sort(m_ModifiedFacets.begin(), m_ModifiedFacets.end());
-  m_ModifiedFacets.erase(std::unique(m_ModifiedFacets.begin(), m_ModifiedFacets.end()), m_ModifiedFacets.end());
-  m_ModIsCleanedUp = false;
-  m_IsConvex = false;
-  pointsMoved();
-  return count;
+  return vertices;
 }
 
-unsigned int ZuBasePhysicalExtent::deformInRadius(ZuVector const& center, ZuVector const& displacement, double radius) {
-  if (!isDeformationAllowed("deformInRadius", radius)) return 0;
-  std::vector<unsigned int> all(m_Points.size());
-  std::iota(all.begin(), all.end(), 0U);
-  return displace(all, center, displacement, radius);
-}
-
-unsigned int ZuBasePhysicalExtent::deformInRadiusNeighbor(unsigned int vertex, ZuVector const& displacement,
-                                                          double radius) {
-  if (!isDeformationAllowed("deformInRadiusNeighbor", radius)) return 0;
+/// Those that a chain of edges within the radius joins to the vertex; none for a vertex that is not there.
+std::vector<unsigned int> ZuBasePhysicalExtent::verticesJoinedWithin(unsigned int vertex, double radius) {
   if (!isComputed(VERTEX_VERTICES)) findVertexNeighborVertices();
-  if (vertex >= vertexNeighborVerticesVector().size()) return 0;
+  if (vertex >= vertexNeighborVerticesVector().size()) return {};
   ZuVector const center = m_Points[vertex];
   std::vector<bool> isReached(m_Points.size(), false);
   std::vector<unsigned int> reached = {vertex};
@@ -781,7 +865,65 @@ unsigned int ZuBasePhysicalExtent::deformInRadiusNeighbor(unsigned int vertex, Z
       reached.push_back(neighbor);
     }
   }
-  return displace(reached, center, displacement, radius);
+  return reached;
+}
+
+/// Moves each vertex by its weight times the displacement and tells which facets that changes.
+template <class Weight>
+unsigned int ZuBasePhysicalExtent::displace(std::vector<unsigned int> const& vertices, ZuVector const& displacement,
+                                            Weight const& weight) {
+  if (vertices.empty()) return 0;
+  std::vector<bool> isMoved(m_Points.size(), false);
+  for (unsigned int const i : vertices) {
+    m_Points[i] += displacement * weight(m_Points[i]);
+    isMoved[i] = true;
+  }
+  forEachFacet([this, &isMoved](ZuFacetIndex const& facet, ZuListView<unsigned int> loop) {
+    if (std::any_of(loop.begin(), loop.end(), [&](unsigned int i) { return i < isMoved.size() && isMoved[i]; })) {
+      m_ModifiedFacets.push_back(facet);
+    }
+  });
+  std::sort(m_ModifiedFacets.begin(), m_ModifiedFacets.end());
+  m_ModifiedFacets.erase(std::unique(m_ModifiedFacets.begin(), m_ModifiedFacets.end()), m_ModifiedFacets.end());
+  m_ModIsCleanedUp = false;
+  m_IsConvex = false;
+  pointsMoved();
+  return static_cast<unsigned int>(vertices.size());
+}
+
+unsigned int ZuBasePhysicalExtent::deformInRadius(ZuVector const& center, ZuVector const& displacement, double radius) {
+  if (!isDeformationAllowed("deformInRadius", radius)) return 0;
+  return displace(verticesWithin(center, radius), displacement, Bump{center, radius});
+}
+
+unsigned int ZuBasePhysicalExtent::deformInRadiusNeighbor(unsigned int vertex, ZuVector const& displacement,
+                                                          double radius) {
+  if (!isDeformationAllowed("deformInRadiusNeighbor", radius)) return 0;
+  std::vector<unsigned int> const vertices = verticesJoinedWithin(vertex, radius);
+  return vertices.empty() ? 0 : displace(vertices, displacement, Bump{m_Points[vertex], radius});
+}
+
+unsigned int ZuBasePhysicalExtent::deformUsingMFS(ZuVector const& center, ZuVector const& displacement, double radius) {
+  if (!isDeformationAllowed("deformUsingMFS", radius)) return 0;
+  unsigned int const nearest = surface().nearestVertex(center, theZuNoIndex);
+  return displace(verticesWithin(center, radius), displacement,
+                  FundamentalSolutions(center, normalAt(nearest), radius));
+}
+
+unsigned int ZuBasePhysicalExtent::deformUsingMFSNeighbor(unsigned int vertex, ZuVector const& displacement,
+                                                          double radius) {
+  if (!isDeformationAllowed("deformUsingMFSNeighbor", radius)) return 0;
+  std::vector<unsigned int> const vertices = verticesJoinedWithin(vertex, radius);
+  if (vertices.empty()) return 0;
+  return displace(vertices, displacement, FundamentalSolutions(m_Points[vertex], normalAt(vertex), radius));
+}
+
+/// Outward; some unit vector where facets give none.
+ZuVector ZuBasePhysicalExtent::normalAt(unsigned int vertex) {
+  if (!isComputed(POINT_NORMALS)) findNormalOfPoints();
+  ZuXmlVectorVector const& normals = normalsOfPoints();
+  ZuVector const normal = vertex < normals.size() ? normals[vertex] : ZuVector();
+  return isZero(normal) ? ZuVector::zVector(1.0) : normal;
 }
 
 // The capsule that bounds the points.
@@ -878,7 +1020,7 @@ unsigned int ZuBasePhysicalExtent::getClosestPointID(ZuVector const& point, unsi
 
 double ZuBasePhysicalExtent::distanceTo(ZuVector const& point) const {
   double const distance = surface().distanceTo(point);
-  return isAnyInside({point}) ? -distance : distance;
+  return distance > 0.0 && isAnyInside({point}) ? -distance : distance;
 }
 
 /// For a figure that does not meet the surface. A closed surface has it inside as a whole or not at all; an open one
@@ -945,9 +1087,15 @@ bool ZuBasePhysicalExtent::touchesByBoxes(ZuShape const& other, ZuCoordinateSyst
                                           ZuSystemShapeProximityState& state, ZuVector& witness1, ZuVector& witness2,
                                           double& distance) const {
   ZuShapeProximityData* const data = state.getProximityData(descriptor.key1(), descriptor.key2());
+  if (data != nullptr && data->updateTime() == state.updateTime()) {
+    distance = data->distance();
+    data->getWitnessPoints(witness1, witness2);
+    return distance <= 0.0;
+  }
   bool const touching = getAABBProcessor().nearestPoints(*this, other, xform, data, witness1, witness2, distance);
   if (data != nullptr) {
     data->storeResult(distance, witness1 - xform * witness2, witness1, witness2, state.updateTime());
+    if (touching) recordContact(data, witness1, witness2);
   }
   return touching;
 }

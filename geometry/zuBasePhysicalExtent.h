@@ -165,6 +165,10 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// Moves the points within the radius, m, of the center by displacement * (1 - d^2 / radius^2)^2, d being their
   /// distance to it. Returns how many were moved. Only shapes that canDeform() are; others print a message.
   virtual unsigned int deformInRadius(ZuVector const& center, ZuVector const& displacement, double radius);
+  /// Like deformInRadius(), with a dent as a harmonic function makes it: 1 at the center and 0 on the sphere of the
+  /// radius. It is steeper at the center, the more the deeper the center lies below the surface. A dense system of 27
+  /// equations, then 27 distances a moved point.
+  virtual unsigned int deformUsingMFS(ZuVector const& center, ZuVector const& displacement, double radius);
   /// Fits the capsule that bounds the points anew, or makes it grow until it holds the given ones.
   virtual void recalculateCapsule();
   virtual void expandCapsule(ZuXmlVectorVector const& points);
@@ -190,6 +194,8 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// -1e16 and `index` 0.
   virtual bool bestNeighbor(ZuVector const& direction, double& dot, unsigned int& index) const = 0;
 
+  /// Like deformUsingMFS() about a vertex, for the points that deformInRadiusNeighbor() moves.
+  virtual unsigned int deformUsingMFSNeighbor(unsigned int vertex, ZuVector const& displacement, double radius);
   /// Like deformInRadius() about a vertex, but only points that a chain of edges within the radius joins to it move:
   /// the other side of a thin wall stays. Needs the neighbours, and builds them.
   virtual unsigned int deformInRadiusNeighbor(unsigned int vertex, ZuVector const& displacement, double radius);
@@ -347,6 +353,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
     bool isReady = false;
     bool isWholeMesh = false;          ///< the starts are all vertices, and nothing is climbed
     std::vector<unsigned int> starts;  ///< vertices of which the best one starts the climb
+    IndexLists welded;                 ///< neighbours where several vertices share a place; empty when none do
   };
 
   /// Used vertices up to which computeSupportPoint() looks at all of them: above, the climb is faster.
@@ -363,6 +370,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   void findLineLengths();
   std::vector<ZuLineAndNeighbors>& lines() { return m_Derived.lineAndNeighbors; }
   void collectFacetsBeside(ZuLineAndNeighbors& line) const;
+  void tellEdgesBeyondThePoints() const;
   unsigned int lineBetween(unsigned int a, unsigned int b) const;
   std::vector<unsigned int> usedIndices() const;
   std::vector<ZuTriangleKernels::Triangle> trianglesOf(unsigned int group, unsigned int facet) const;
@@ -372,15 +380,21 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   void climb(ZuVector const& direction) const;
   void scan(ZuVector const& direction) const;
   void prepareClimb() const;
+  void weldClimb(std::vector<unsigned int>& used) const;
+  IndexLists const& climbNeighbors() const;
   bool isConnected(std::vector<unsigned int> const& used) const;
   void climbFromBestStart(ZuVector const& direction) const;
   bool isAnyInside(std::initializer_list<ZuVector> points) const;
 
   void clearSupplements();
+  void rebuildNeighbors();
   void scalePoints(ZuVector const& factors);
   bool isDeformationAllowed(char const* function, double radius) const;
-  unsigned int displace(std::vector<unsigned int> const& vertices, ZuVector const& center, ZuVector const& displacement,
-                        double radius);
+  std::vector<unsigned int> verticesWithin(ZuVector const& center, double radius) const;
+  std::vector<unsigned int> verticesJoinedWithin(unsigned int vertex, double radius);
+  template <class Weight>
+  unsigned int displace(std::vector<unsigned int> const& vertices, ZuVector const& displacement, Weight const& weight);
+  ZuVector normalAt(unsigned int vertex);
   bool touchesByBoxes(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
                       ZuShapeProximityDescriptor const& descriptor, ZuSystemShapeProximityState& state,
                       ZuVector& witness1, ZuVector& witness2, double& distance) const;

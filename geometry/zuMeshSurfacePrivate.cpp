@@ -33,8 +33,9 @@ ZuAABBHierarchyGeneration::TriangleBound boundOf(Triangle const& t) { return {t.
 
 auto asTuple(ZuVector const& v) { return std::make_tuple(v.x(), v.y(), v.z()); }
 
-/// For each point the first of those that are equal to it: surfaces that are stored as loose triangles close.
-std::vector<unsigned int> weld(ZuXmlVectorVector const& points) {
+}  // namespace
+
+std::vector<unsigned int> zuWeld(ZuXmlVectorVector const& points) {
   std::vector<unsigned int> order(points.size()), welded(points.size());
   std::iota(order.begin(), order.end(), 0U);
   order.erase(std::remove_if(order.begin(), order.end(), [&](unsigned int i) { return !isFinite(points[i]); }),
@@ -47,6 +48,8 @@ std::vector<unsigned int> weld(ZuXmlVectorVector const& points) {
   }
   return welded;
 }
+
+namespace {
 
 /// An edge between two welded points, and how many more triangles run along it one way than the other.
 struct NetEdge {
@@ -137,7 +140,7 @@ ZuMeshSurface::ZuMeshSurface(Builder const& builder) {
     m_Facets.push_back(builder.m_Facets[i]);
     for (unsigned int k = 0; k < 3; ++k) m_Corners.push_back(builder.m_Corners[3 * i + k]);
   }
-  std::vector<unsigned int> const welded = weld(points);
+  std::vector<unsigned int> const welded = zuWeld(points);
   findCaps(welded, points);
   findPieces(welded, points);
 }

@@ -9,6 +9,10 @@
 #include "geometry/zuShapePointEvent.h"
 #include "geometry/zuTriangleKernelsPrivate.h"
 
+/// For each point the first of those that are equal to it; a point that is not finite counts as point 0. Surfaces that
+/// are stored as loose triangles close.
+std::vector<unsigned int> zuWeld(ZuXmlVectorVector const& points);
+
 /// A surface of triangles with a hierarchy of boxes over them: what the geometric queries of a mesh work on. It is a
 /// snapshot of the points and facets from which it was built. Lengths are in m, in the frame of the mesh.
 ///

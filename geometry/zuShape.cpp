@@ -367,7 +367,6 @@ bool ZuShape::gjkDistanceAndWitnessPointsQuery(ZuShape const& other, ZuShapeStat
   return true;
 }
 
-/// A contact that was not there before starts with empty buffers.
 void ZuShape::recordContact(ZuShapeProximityData* record, ZuVector const& witness1, ZuVector const& witness2) {
   if (record == nullptr) {
     print("ZuStatedSystem::gjkDistanceQuery-->null pointer");

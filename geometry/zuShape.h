@@ -384,6 +384,9 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   void printNotSupported(char const* operation, ZuShape const& other) const;
   /// Appends the pair's keys when there is a list for them; returns `touching`.
   static bool report(bool touching, ZuShapeProximityDescriptor const& descriptor, KeyPairs* pairs);
+  /// Puts the witness points of a contact into the record's buffers, which a contact that was not there before starts
+  /// empty. Prints a line when there is no record.
+  static void recordContact(ZuShapeProximityData* record, ZuVector const& witness1, ZuVector const& witness2);
   /// To be called when the geometry changes: the polyhedral approximation is out of date.
   void geometryChanged();
   /// scaleBy() of the chain below this shape.
@@ -405,7 +408,6 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   bool walkLevels(LevelQuery& query) const;
   void attachBelowLowest(std::unique_ptr<ZuShape> volume);
   void copyPartsOf(ZuShape const& other);
-  static void recordContact(ZuShapeProximityData* record, ZuVector const& witness1, ZuVector const& witness2);
   void deleteChain();
   bool isInChain(ZuShape const& shape) const;
 

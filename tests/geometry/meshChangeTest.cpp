@@ -67,11 +67,17 @@ TEST(MeshChange, MergedMeshesAnswerLikeBoth) {
 TEST(MeshChange, MovesAndReflectionsMoveEveryAnswerAndKeepFacetsFacingOutward) {
   ZuPolyPhysicalExtent mesh = cube();
   mesh.setNormals(ZuXmlVectorVector({ZuVector(1, 2, 3)}));
+  mesh.init();
   mesh.addExplicitBoundingVolume(ZuSphere(ZuVector(), 2.0, 3));
   mesh.scaleBy(-2.0, 0.5, 1.0);
   EXPECT_TRUE(mesh.normals()[0].approxEq(ZuVector(-0.5, 4, 3).unitVector(), 1e-15));
   EXPECT_GE(static_cast<ZuSphere*>(mesh.lowerFidelityRepresentation())->radius(), std::sqrt(5.25));
   EXPECT_NEAR(extentVolume(mesh), 8.0, 1e-15);
+  ZuPolyPhysicalExtent fresh = mesh;
+  fresh.resetNeighborFlags();
+  fresh.init();
+  EXPECT_TRUE(mesh.facetNeighborLinesVector() == fresh.facetNeighborLinesVector() &&
+              mesh.vertexNeighborVerticesVector() == fresh.vertexNeighborVerticesVector());
   mesh.scaleBy(-1.0);
   EXPECT_NEAR(extentVolume(mesh), 8.0, 1e-15);
   TracedValues random(31);
@@ -144,7 +150,7 @@ TEST(MeshChange, ADentFallsOffWithDistanceAndStaysOnItsSideOfAThinWall) {
   EXPECT_EQ(mesh.deformInRadius(ZuVector(0.5, 0.5, 0), ZuVector(0, 0, 1), 0.15), 0U);
   EXPECT_EQ(sink.take().size(), 1U);
   mesh.setCanDeform(true);
-  ZuPolyPhysicalExtent through = mesh;
+  ZuPolyPhysicalExtent through = mesh, harmonic = mesh;
   EXPECT_EQ(through.deformInRadius(ZuVector(0.5, 0.5, 0), ZuVector(0, 0, 1), 0.15), 18U);
   EXPECT_EQ(mesh.deformInRadiusNeighbor(60, ZuVector(0, 0, 1), 0.15), 9U);
   EXPECT_EQ(mesh.point(60), ZuVector(0.5, 0.5, 1.0));
@@ -157,6 +163,14 @@ TEST(MeshChange, ADentFallsOffWithDistanceAndStaysOnItsSideOfAThinWall) {
   EXPECT_FALSE(mesh.isModified());
   EXPECT_EQ(mesh.deformInRadiusNeighbor(60, ZuVector(0, 0, 1), std::nan("")), 0U);
   EXPECT_EQ(mesh.deformInRadiusNeighbor(9999, ZuVector(0, 0, 1), 1.0), 0U);
+  // A harmonic dent has the same ends, and is steeper at its center.
+  EXPECT_EQ(harmonic.deformUsingMFSNeighbor(60, ZuVector(0, 0, 1), 0.25), 21U);
+  EXPECT_NEAR(harmonic.point(60).z(), 1.0, 1e-12);
+  EXPECT_TRUE(harmonic.point(61).z() < 0.6 && harmonic.point(61).z() > harmonic.point(62).z());
+  EXPECT_TRUE(harmonic.point(62).z() > 0.0 && harmonic.point(62).z() < 0.2 && harmonic.point(63).z() == 0.0);
+  EXPECT_EQ(harmonic.point(121 + 60).z(), 0.01);
+  EXPECT_EQ(harmonic.deformUsingMFS(ZuVector(0.5, 0.5, 0.01), ZuVector(0, 0, 1), 0.02), 1U);  // the dent is away
+  EXPECT_NEAR(harmonic.point(121 + 60).z(), 1.01, 1e-12);
 }
 
 TEST(MeshChange, NormalsThatAreMissingOrNotUnitAreRepaired) {

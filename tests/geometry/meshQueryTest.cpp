@@ -243,7 +243,10 @@ TEST_F(MeshPair, BoxesGiveTheNearestPointsAndFeaturesOfNonConvexMeshes) {
     ZuAABBCollisionDetection().nearestPoints(spot, sorter, xform.inverse(), nullptr, v2, v1, reversed);
     EXPECT_NEAR(reversed, expected, 1e-14);
     touching += expected == 0.0;
-    if (expected == 0.0) continue;
+    if (expected == 0.0) {
+      EXPECT_NE(m_State.getProximityData(m_Descriptor.key1(), m_Descriptor.key2())->numPenetrationPoints(), 0U);
+      continue;
+    }
     EXPECT_NEAR(std::abs(sorter.distanceTo(w1)) + std::abs(spot.distanceTo(w2)), 0.0, 1e-14);
     ZuShapeProximityData const* const data = m_State.getProximityData(m_Descriptor.key1(), m_Descriptor.key2());
     ASSERT_NE(data, nullptr);

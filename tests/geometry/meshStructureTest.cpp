@@ -75,6 +75,9 @@ TEST(MeshStructure, ListsThatDoNotFitThePointsAreToldAndLeaveTheStructureUnfinis
   mesh.findLineAndNeighbors();
   EXPECT_EQ(sink.take(), Messages{"ZuBasePhysicalExtent::findLineAndNeighbors vertex id exceed size."});
   EXPECT_EQ(mesh.lineAndNeighborsVector().size(), 2U);
+  auto beyond = meshOf<ZuTriPhysicalExtent>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 1, 99}});
+  beyond.findLineAndNeighbors();
+  EXPECT_EQ(sink.take(), Messages(2, "ZuBasePhysicalExtent::findLineAndNeighbors vertex id exceed size."));
 }
 
 TEST(MeshStructure, PlacesThatAreNotThereAreNeutral) {

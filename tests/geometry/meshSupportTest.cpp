@@ -111,7 +111,7 @@ TEST(MeshSupport, HullsOfRealMeshesAnswerTheFarthestVertex) {
   }
 }
 
-TEST(MeshSupport, FacetsWithVerticesOfTheirOwnAreScannedForTheEngineAndNothingAllocates) {
+TEST(MeshSupport, TheEngineClimbsOverSeamsAndFacetsWithVerticesOfTheirOwnAndNothingAllocates) {
   TracedValues random(3);
   ZuXmlVectorVector ball;
   for (int i = 0; i < 100; ++i) ball.pushBack(random.direction());
@@ -125,14 +125,26 @@ TEST(MeshSupport, FacetsWithVerticesOfTheirOwnAreScannedForTheEngineAndNothingAl
     for (unsigned int const corner : loop) points.push_back(hull.point(corner));
   }
   auto soup = meshOf<ZuTriPhysicalExtent>(points, loops);
+  // Vertices of the facets on one side only: a seam around the ball.
+  Loops halves = loopsOf(hull);
+  ZuXmlVectorVector twice = hull.points();
+  for (ZuVector const& p : hull.points()) twice.pushBack(p);
+  for (auto& loop : halves) {
+    if (hull.point(loop[0]).x() > 0.0) std::for_each(loop.begin(), loop.end(), [](unsigned int& i) { i += 100; });
+  }
+  auto seam = meshOf<ZuTriPhysicalExtent>({twice.begin(), twice.end()}, halves);
   soup.setIsConvex(true);
-  for (auto const* mesh : {&hull, &soup}) mesh->computeSupportPoint(ZuVector(1, 0, 0));  // builds what is built once
+  seam.setIsConvex(true);
+  for (auto const* mesh : {&hull, &soup, &seam})
+    mesh->computeSupportPoint(ZuVector(1, 0, 0));  // builds what is built once
   AllocationCounter const counter;
   for (int i = 0; i < 100; ++i) {
     ZuVector const direction = random.direction();
     hull.supportPoint(direction);
     hull.computeSupportPoint(direction);
-    EXPECT_EQ(soup.computeSupportPoint(direction).dot(direction), highest(hull.points(), direction));
+    for (ZuBasePhysicalExtent const* const mesh : {&soup, &seam}) {
+      EXPECT_EQ(mesh->computeSupportPoint(direction).dot(direction), highest(hull.points(), direction));
+    }
   }
   EXPECT_EQ(counter.count(), 0U);
 }
