@@ -1,12 +1,6 @@
-#include <algorithm>
-#include <fstream>
-#include <map>
-#include <sstream>
-
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
 #include "tests/convexOracle.h"
-#include "tests/sharedFiles.h"
 #include "tests/testValues.h"
 
 namespace {
@@ -19,9 +13,9 @@ double constexpr theEps = 0x1p-52;
 /// convex.
 double searchedDistance(ZuLineSegment const& a, ZuLineSegment const& b) {
   oracle::Vector const p = oracle::extended(a.endpoint0()), u = oracle::extended(a.endpoint1()) - p;
-  oracle::Vector const q = oracle::extended(b.endpoint0()), v = oracle::extended(b.endpoint1()) - q;
+  oracle::Vector const q = oracle::extended(b.endpoint0()), v = oracle::extended(b.endpoint1()) - q, pq = p - q;
   auto const distance = [&](long double s) {
-    oracle::Vector const r = p + u * s - q;
+    oracle::Vector const r = pq + u * s;
     return length(dot(v, v) > 0 ? r - v * std::clamp(dot(r, v) / dot(v, v), 0.0L, 1.0L) : r);
   };
   long double low = 0, high = 1, best = std::min(distance(0), distance(1));
@@ -42,7 +36,7 @@ double extentOf(ZuLineSegment const& a, ZuLineSegment const& b) {
 /// Two segments at the angle, whose carrier lines come closest at random places in and around them; a third of them
 /// touch there.
 std::pair<ZuLineSegment, ZuLineSegment> pairAtAngle(RandomValues& random, double angle) {
-  ZuVector const u = random.direction() * random.scale(0.1, 10.0);
+  ZuVector const u = random.direction() * random.scale(1e-14, 10.0);
   ZuVector const v = u * random.real(-3.0, 3.0) + random.direction() * (angle * u.mag());
   ZuVector const apart =
       random.direction().cross(u).unitVector() * (random.index(3) == 0 ? 0.0 : random.scale(1e-6, 1.0));
@@ -108,26 +102,6 @@ TEST(LineSegment, PairsFollowTheRulesOfTheirParameters) {
     EXPECT_EQ(c.a.nondegenerateDistanceSquaredTo(c.b, s, t), c.squared) << c.what;
     EXPECT_EQ(c.a.nondegenerateDistanceSquaredTo(c.b), c.squared) << c.what;
   }
-}
-
-TEST(LineSegment, AgreesWithPublishedHardCases) {
-  std::ifstream file(sharedFile("cases/open.segments.txt"));
-  if (!file) GTEST_SKIP() << "cases/open.segments.txt is not in ZU_SHARED";
-  std::map<std::string, ZuVector> fields;
-  int count = 0;
-  for (std::string line; std::getline(file, line);) {
-    std::istringstream text(line);
-    std::string key;
-    text >> key;
-    ZuVector& field = fields[key];
-    text >> field[0] >> field[1] >> field[2];
-    if (key != "end") continue;
-    ZuLineSegment const p(fields["p0"], fields["p1"]), q(fields["q0"], fields["q1"]);
-    EXPECT_NEAR(p.distanceTo(q), fields["d"].x(), 8.0 * theEps * extentOf(p, q)) << "case " << count;
-    EXPECT_NEAR(q.distanceTo(p), fields["d"].x(), 8.0 * theEps * extentOf(p, q)) << "case " << count;
-    ++count;
-  }
-  EXPECT_GT(count, 20);
 }
 
 TEST(LineSegment, PointsSeeTheNearestPointAndTheRawParameter) {
