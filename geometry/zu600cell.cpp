@@ -368,23 +368,34 @@ unsigned int Zu600Cell::findCollectionContainer(ZuOrientation const& q) const {
   // The angle falls as the cosine of its half grows, so only cells whose cosine is the largest, or within rounding of
   // it, can have the smallest angle: 2e-12 more of a cosine than that is at least as much of an angle.
   double const w = q[0], x = q[1], y = q[2], z = q[3];
+  double const* const ws = m_CenterComponents[0].data();
+  double const* const xs = m_CenterComponents[1].data();
+  double const* const ys = m_CenterComponents[2].data();
+  double const* const zs = m_CenterComponents[3].data();
   double cosines[m_theSampledCount];
-  double largest = 0.0;
-  for (unsigned int t = 0; t < m_theSampledCount; ++t) {
-    cosines[t] = std::abs(w * m_CenterComponents[0][t] + x * m_CenterComponents[1][t] + y * m_CenterComponents[2][t] +
-                          z * m_CenterComponents[3][t]);
-    largest = std::max(largest, cosines[t]);
+  for (unsigned int t = 0; t < m_theSampledCount; ++t)
+    cosines[t] = std::abs(w * ws[t] + x * xs[t] + y * ys[t] + z * zs[t]);
+  double largest[4] = {0.0, 0.0, 0.0, 0.0};  // four maxima do not wait for each other
+  static_assert(m_theSampledCount % 4 == 0);
+  for (unsigned int t = 0; t < m_theSampledCount; t += 4) {
+    for (unsigned int k = 0; k < 4; ++k) largest[k] = std::max(largest[k], cosines[t + k]);
   }
+  double const smallest = *std::max_element(largest, largest + 4) - theEqualCosines;
+  unsigned int candidates[m_theSampledCount];
+  unsigned int count = 0;
+  for (unsigned int t = 0; t < m_theSampledCount; ++t) {
+    if (cosines[t] >= smallest) candidates[count++] = t;
+  }
+  if (count == 1) return candidates[0];
   double best = 1e300;
   unsigned int result = 0;
-  for (unsigned int t = 0; t < m_theSampledCount; ++t) {
-    if (cosines[t] < largest - theEqualCosines) continue;
+  for (unsigned int i = 0; i < count; ++i) {
     double angle = 0.0;
     ZuVector axis;
-    q.angleAxisBetween(m_Centers[t], angle, axis);
+    q.angleAxisBetween(m_Centers[candidates[i]], angle, axis);
     if (angle >= best) continue;
     best = angle;
-    result = t;
+    result = candidates[i];
   }
   return result;
 }

@@ -90,7 +90,7 @@ class ZU_API Zu600Cell {
   ZuOrientation sample(unsigned int i);
 
   /// The number, 0 to 299, of the sampled tetrahedron whose centre is the smallest angle from q; of equal angles, the
-  /// lowest number. Since cells are alike and face to face, it is a cell that holds q. About 0.4 us.
+  /// lowest number. Since cells are alike and face to face, it is a cell that holds q. About 0.6 us.
   unsigned int findCollectionContainer(ZuOrientation const& q) const;
 
   /// Neighbours of sample i within its tetrahedron: sample(i + a), sample(i + b) and sample(i + c) are one increment

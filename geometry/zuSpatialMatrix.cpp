@@ -244,12 +244,12 @@ void ZuSpatialMatrix::addWeightedSelfOuterProduct(ZuVector const& v, double weig
 }
 
 void ZuSpatialMatrix::transformBy(ZuOrientation const& q) {
-  ZuSpatialMatrix columns;  // of D^T
-  ZuVector r0, r1, r2;
-  q.getDcmColumns(columns.row0(), columns.row1(), columns.row2());
-  q.getDcmRows(r0, r1, r2);
-  *this *= columns;
-  put(sum(r0), sum(r1), sum(r2));
+  ZuVector d0, d1, d2;
+  q.getDcmRows(d0, d1, d2);
+  auto const timesTranspose = [&](ZuVector const& row) { return ZuVector(row.dot(d0), row.dot(d1), row.dot(d2)); };
+  ZuVector const m0 = timesTranspose(at0()), m1 = timesTranspose(at1()), m2 = timesTranspose(at2());
+  put(m0 * d0.x() + m1 * d0.y() + m2 * d0.z(), m0 * d1.x() + m1 * d1.y() + m2 * d1.z(),
+      m0 * d2.x() + m1 * d2.y() + m2 * d2.z());
 }
 
 bool ZuSpatialMatrix::approxEq(ZuSpatialMatrix const& other, double tol) const {

@@ -135,7 +135,7 @@ class ZU_API ZuSpatialMatrix : public ZuXmlClass<ZuSpatialMatrix, ZuXmlCompoundT
   /// plane at a right angle to it, the third their cross product. In doubles these steps lose digits where two values
   /// are near each other: of the vectors, a factor of |A| / difference; of the values, with the coefficients of the
   /// polynomial, half of all. Where two are nearer than |A| / 64 the same steps are therefore taken in twice the
-  /// precision. Some 0.3 us, 1.6 us in twice the precision.
+  /// precision. Some 0.25 us, 1 us in twice the precision.
   virtual bool getSymmetricEigensystem(ZuVector& values, ZuVector& u0, ZuVector& u1, ZuVector& u2) const;
   /// Becomes the sum of values[k] u_k u_k^T, where the vectors are normalised first.
   virtual void setFromSymmetricEigensystem(ZuVector const& values, ZuVector const& u0, ZuVector const& u1,

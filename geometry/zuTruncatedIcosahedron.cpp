@@ -100,6 +100,7 @@ void ZuTruncatedIcosahedron::makeFace(unsigned int f, ZuVector const& direction)
     edges.items[k] = edgeBetween(corners[k], corners[(k + 1) % corners.size()]);
   }
   m_Centers[f] = direction * farthest;
+  m_Poles[f] = direction / farthest;
 }
 
 ZuVector ZuTruncatedIcosahedron::vertex(unsigned int v) const {
@@ -214,7 +215,7 @@ unsigned int ZuTruncatedIcosahedron::findCollectionContainer(ZuVector const& dir
   double best = 0.0;
   unsigned int result = 0;
   for (unsigned int f = 0; f < m_theFaceCount; ++f) {
-    double const closeness = unit.dot(m_Centers[f]) / m_Centers[f].magSquared();
+    double const closeness = unit.dot(m_Poles[f]);
     if (closeness <= best) continue;
     best = closeness;
     result = f;

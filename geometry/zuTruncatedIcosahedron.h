@@ -96,5 +96,6 @@ class ZU_API ZuTruncatedIcosahedron {
   std::array<Loop, m_theFaceCount> m_FaceVertices;
   std::array<Loop, m_theFaceCount> m_FaceEdges;
   std::array<ZuVector, m_theFaceCount> m_Centers;  ///< in the plane of the face
+  std::array<ZuVector, m_theFaceCount> m_Poles;    ///< the same, divided by the squared distance from the origin
   std::vector<std::array<double, 2>> m_Weights;    ///< of the two vertices of a triangle, for each sample
 };
