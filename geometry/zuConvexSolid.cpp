@@ -43,10 +43,25 @@ bool ZuConvexSolid::inClosedForm(ZuShape const& other, ZuCoordinateSystemTransfo
   }
   ZuVector onCore;
   double const apart = nearestPoints(core, contact.onThis, onCore);
-  if (!(apart > 0.0) || !(apart > theMeeting * (contact.onThis.mag() + onCore.mag()))) return false;
+  if (!(apart > 0.0) || !(apart > theMeeting * (contact.onThis.mag() + onCore.mag()))) {
+    return whereCoreEnters(capsule, xform, contact);
+  }
   contact.normal = (onCore - contact.onThis).unitVector();
   contact.distance = apart - capsule.radius();
   return true;
+}
+
+/// What the engine has to say of the core, which is exact where its round surface would not be; the radius goes on top.
+bool ZuConvexSolid::whereCoreEnters(ZuCapsule const& capsule, ZuCoordinateSystemTransformation const& xform,
+                                    Contact& contact) const {
+  ZuCapsule const core(capsule.lineSegment(), 0.0);
+  ZuVector onCore, separation;
+  double distance = 0.0;
+  ZuShape::computePenetrationDistanceAndSupportPoints(core, xform, contact.onThis, onCore, distance, separation);
+  if (!(distance < 0.0)) return false;
+  contact.normal = separation.unitVector();
+  contact.distance = distance - capsule.radius();
+  return contact.normal != ZuVector();
 }
 
 double ZuConvexSolid::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,

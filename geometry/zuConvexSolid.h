@@ -6,18 +6,18 @@
 #include "geometry/zuSegmentDistance.h"
 #include "geometry/zuShape.h"
 
-/// What ZuTetrahedron, ZuEllipsoid and ZuHalfSpace have in common: one table of pairs, which rests on the nearest point
+/// What the convex solids without prescribed pairs have in common: one table of pairs, which rests on the nearest point
 /// of the surface for a point, and on the nearest points of the solid and a segment.
 ///
 /// **Pairs.** The transformation is applied in every one of them; touching counts as contact.
 ///
-/// | other shape                        | distance, witness points, penetration                   | contact |
-/// |------------------------------------|---------------------------------------------------------|--------------------|
-/// | 3 sphere                           | closed form, inside too                                 | closed form | | 4
-/// capsule                          | closed form; when its core enters the solid, the engine | the same           | |
-/// 9 half-space                       | closed form, by the support point                       | the same           |
-/// | 0, 1, 2 mesh; 5 to 8, 11, 12       | engine                                                  | engine | | 10, 13,
-/// 14, any other              | not answered: a line is printed, the distance is 0      | not answered: false |
+/// | other shape                  | distance, witness points, penetration          | contact            |
+/// |------------------------------|------------------------------------------------|--------------------|
+/// | 3 sphere                     | closed form, inside too                        | closed form        |
+/// | 4 capsule                    | closed form; a core that enters: engine        | the same           |
+/// | 9 half-space                 | closed form, by the support point              | the same           |
+/// | 0, 1, 2 mesh; 5 to 8, 11, 12 | engine                                         | engine             |
+/// | 10, 13, 14, any other        | not answered: a line is printed; distance 0    | not answered: false |
 ///
 /// "Engine" is the generic way of ZuShape, which answers for the convex hull of a mesh; its accuracy is that of ZuGJK.
 class ZU_API ZuConvexSolid : public ZuShape {
@@ -76,4 +76,7 @@ class ZU_API ZuConvexSolid : public ZuShape {
   /// @return false, and nothing happens, for other shapes
   bool fitToVerticesOf(ZuShape const& other);
   void printUnanswered(char const* operation, ZuShape const& other) const;
+
+ private:
+  bool whereCoreEnters(ZuCapsule const& capsule, ZuCoordinateSystemTransformation const& xform, Contact& contact) const;
 };

@@ -22,6 +22,7 @@ ZuToken const ZuPrimaryFrameToken("primaryFrame");
 ZuToken const ZuCylinderToken("cylinder");
 ZuToken const ZuConeToken("cone");
 ZuToken const ZuEllipsoidToken("ellipsoid");
+ZuToken const ZuRadiiToken("radii");
 ZuToken const ZuLozengeToken("lozenge");
 ZuToken const ZuTetrahedronToken("tetrahedron");
 ZuToken const ZuV0Token("v0");

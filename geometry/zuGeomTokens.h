@@ -28,6 +28,7 @@ extern ZU_API ZuToken const ZuPrimaryFrameToken;
 extern ZU_API ZuToken const ZuCylinderToken;
 extern ZU_API ZuToken const ZuConeToken;
 extern ZU_API ZuToken const ZuEllipsoidToken;
+extern ZU_API ZuToken const ZuRadiiToken;
 extern ZU_API ZuToken const ZuLozengeToken;
 extern ZU_API ZuToken const ZuTetrahedronToken;
 extern ZU_API ZuToken const ZuV0Token;

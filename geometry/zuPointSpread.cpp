@@ -93,6 +93,31 @@ std::vector<ZuVector> ZuPointSpread::extremePoints(ZuVector const* points, std::
   return result;
 }
 
+ZuPointStretch::ZuPointStretch(ZuVector const* points, std::size_t count) {
+  ZuPointSpread const spread(points, count);
+  center = spread.center;
+  for (int k = 0; k < 3; ++k) {
+    axes[k] = spread.axes[k];
+    for (std::size_t i = 0; i < count; ++i) {
+      extents[k] = std::max(extents[k], std::abs(axes[k].dot(points[i] - center)));
+    }
+    // An axis of less variance than a flat one is flat too.
+    if (!(extents[k] > m_theFlatSet * spread.size) || (k > 0 && extents[k - 1] == 0.0)) extents[k] = 0.0;
+  }
+}
+
+int ZuPointStretch::dimension() const { return (extents[0] > 0.0) + (extents[1] > 0.0) + (extents[2] > 0.0); }
+
+ZuVector ZuPointStretch::to(ZuVector const& point) const {
+  auto const component = [&](int k) { return extents[k] > 0.0 ? axes[k].dot(point - center) / extents[k] : 0.0; };
+  return {component(0), component(1), component(2)};
+}
+
+ZuVector ZuPointStretch::from(ZuVector const& stretched) const {
+  return center + axes[0] * (stretched.x() * extents[0]) + axes[1] * (stretched.y() * extents[1]) +
+         axes[2] * (stretched.z() * extents[2]);
+}
+
 bool zuCanBeFitted(ZuVector const* points, std::size_t count) {
   return count != 0 && std::all_of(points, points + count, [](ZuVector const& p) {
            return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());

@@ -18,6 +18,7 @@
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuGjk.h"
@@ -61,6 +62,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuSphere>();
     case ZuShape::CAPSULE:
       return std::make_unique<ZuCapsule>();
+    case ZuShape::ELLIPSOID:
+      return std::make_unique<ZuEllipsoid>();
     case ZuShape::TETRAHEDRON:
       return std::make_unique<ZuTetrahedron>();
     case ZuShape::CYLINDER:

@@ -6,6 +6,7 @@
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuLozenge.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -25,6 +26,7 @@ void registerSolid(ZuXmlBaseVariableCompoundType& container) {
 ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuSphere>(*this);
   registerSolid<ZuCapsule>(*this);
+  registerSolid<ZuEllipsoid>(*this);
   registerSolid<ZuTetrahedron>(*this);
   registerSolid<ZuCylinder>(*this);
   registerSolid<ZuBox>(*this);

@@ -59,9 +59,6 @@ constexpr unsigned int theEdges[6][2] = {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3},
 constexpr double theSurface = 1e-9;
 /// Times the size of the coordinates: how far a segment may be from a flat figure and lie in its plane; some roundings.
 constexpr double theFlat = 16.0 * 0x1p-52;
-/// Times the size of a point set: an extent below is one of rounding, and the set is flat.
-constexpr double theFlatSet = 1e-13;
-
 /// The point of three planes normal . p = height.
 ZuVector meetingPoint(ZuVector const (&normals)[3], double const (&heights)[3]) {
   ZuVector const n12 = normals[1].cross(normals[2]);
@@ -132,33 +129,6 @@ struct TetrahedronRule {
     double most = -HUGE_VAL;
     for (unsigned int k = 0; k < 4; ++k) most = std::max(most, planes.normals[k].dot(p) - planes.heights[k]);
     return most;
-  }
-};
-
-/// The axes of a point set, stretched so that the set is as wide along each of them. The tetrahedron of least volume is
-/// stretched with the set, so it can be sought where no direction is special.
-struct Stretch {
-  ZuVector center;
-  ZuVector axes[3];
-  double extents[3] = {0.0, 0.0, 0.0};
-
-  Stretch(ZuVector const* points, std::size_t count) {
-    ZuPointSpread const spread(points, count);
-    center = spread.center;
-    for (int k = 0; k < 3; ++k) {
-      axes[k] = spread.axes[k];
-      for (std::size_t i = 0; i < count; ++i) {
-        extents[k] = std::max(extents[k], std::abs(axes[k].dot(points[i] - center)));
-      }
-      if (!(extents[k] > theFlatSet * spread.size)) extents[k] = 0.0;
-    }
-  }
-  double component(int k, ZuVector const& p) const {
-    return extents[k] > 0.0 ? axes[k].dot(p - center) / extents[k] : 0.0;
-  }
-  ZuVector to(ZuVector const& p) const { return {component(0, p), component(1, p), component(2, p)}; }
-  ZuVector from(ZuVector const& p) const {
-    return center + axes[0] * (p.x() * extents[0]) + axes[1] * (p.y() * extents[1]) + axes[2] * (p.z() * extents[2]);
   }
 };
 
@@ -446,8 +416,8 @@ void ZuTetrahedron::fitToPoints(ZuXmlVectorVector const& points) {
                                 points.size());
     return;
   }
-  Stretch const stretch(points.data(), points.size());
-  if (stretch.extents[0] == 0.0) return setVertices(points[0], points[0], points[0], points[0]);
+  ZuPointStretch const stretch(points.data(), points.size());
+  if (stretch.dimension() == 0) return setVertices(points[0], points[0], points[0], points[0]);
   std::vector<ZuVector> even;
   even.reserve(points.size());
   for (ZuVector const& p : points) even.push_back(stretch.to(p));

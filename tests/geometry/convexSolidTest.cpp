@@ -10,6 +10,7 @@
 
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCone.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuRectangle.h"
@@ -40,6 +41,12 @@ void makeRandom(RandomValues& random, ZuCone& cone) {
   cone.setRadius(kind == 1 ? 0.0 : random.scale(0.1, 1.5));
 }
 
+void makeRandom(RandomValues& random, ZuEllipsoid& e) {
+  e.setPrimaryFrame(random.transformation(0.5));
+  e.setRadii(ZuVector(random.scale(1e-4, 1.0), random.scale(0.1, 1.0), random.index(8) == 0 ? 0.0 : 0.5));
+  if (random.index(8) == 0) e.setRadii(e.radii() * 0.3 + ZuVector(0.3, 0.3, 0.3));
+}
+
 template <class Solid>
 class ConvexSolid : public ProximityTest {
  protected:
@@ -58,7 +65,7 @@ class ConvexSolid : public ProximityTest {
   testing::ScopedTrace m_Trace{__FILE__, __LINE__, m_Random.trace()};
 };
 
-using Solids = testing::Types<ZuCone, ZuTetrahedron>;
+using Solids = testing::Types<ZuCone, ZuTetrahedron, ZuEllipsoid>;
 TYPED_TEST_SUITE(ConvexSolid, Solids);
 
 /// The least that the solid has to be moved along the direction to leave the point behind.
@@ -106,7 +113,7 @@ TYPED_TEST(ConvexSolid, WitnessPointsProveTheDistancesToCapsules) {
     ASSERT_TRUE(core == 0.0 || !solid.checkIntersect(x * capsule.lineSegment()));
     entering += core <= 0.0;
     if (core <= 0.0) {
-      EXPECT_LE(d, -capsule.radius() + 1e-6);
+      EXPECT_LE(d, -capsule.radius() + 1e-9);
       continue;
     }
     ASSERT_NEAR(d, core - capsule.radius(), 1e-15);
@@ -254,4 +261,98 @@ TEST(Tetrahedron, FitsEnclosePointsAndRoundSolids) {
     EXPECT_LT(around.volume(), 1e-12);
     for (ZuVector const& p : flat) EXPECT_LE(around.distanceTo(p), 1e-12);
   }
+}
+
+TEST(Ellipsoid, PointsInThePlanesOfSymmetryAreAsDeepAsTheNearestSurface) {
+  struct {
+    ZuVector radii, point;
+    double distance;
+  } const theCases[] = {{{3, 2, 1}, {0, 0, 0}, -1},
+                        {{2, 1, 1}, {0.1, 0, 0}, -std::sqrt(1 - 0.01 / 3)},  // beside the axis: y0^2 / (e0^2 - e1^2)
+                        {{2, 1, 1}, {1.9, 0, 0}, -0.1},
+                        {{2, 2, 2}, {0, 0, 0}, -2},
+                        {{2, 1, 1}, {0, 1e-300, 0}, -1},
+                        {{1, 1, 1e-8}, {0.5, 0, 3e-9}, -1e-8 * std::sqrt(0.75) + 3e-9},
+                        {{1, 0, 1}, {3, 0.25, 0}, std::hypot(2, 0.25)},
+                        {{0, 2, 0}, {1, 1, 1}, std::sqrt(2.0)},
+                        {{0, 0, 0}, {2, 1, 2}, 3}};
+  for (auto const& k : theCases) {
+    ZuEllipsoid const e({}, k.radii);
+    EXPECT_NEAR(e.distanceTo(k.point), k.distance, 2e-15) << k.distance;
+    EXPECT_NEAR(e.distanceTo(-k.point), k.distance, 2e-15);
+  }
+}
+
+TEST(Ellipsoid, DistancesToRectanglesAreThoseOfTheirNearestPoints) {
+  RandomValues random(44);
+  SCOPED_TRACE(random.trace());
+  int touching = 0, within = 0;
+  for (int i = 0; i < 400; ++i) {
+    ZuEllipsoid e;
+    makeRandom(random, e);
+    ZuRectangle const r(random.vector(), random.vector(i % 2 == 0 ? 1.0 : 0.2), random.vector(1.0));
+    double least = HUGE_VAL, u = 0.0, v = 0.0;
+    for (double half = 1.0; half > 1e-8; half *= 0.5) {  // the least on a grid that closes in on it
+      double const u0 = u, v0 = v;
+      for (int k = 0; k < 81; ++k) {
+        double const s = std::clamp(u0 + half * (k / 9 - 4) / 4, -1.0, 1.0);
+        double const t = std::clamp(v0 + half * (k % 9 - 4) / 4, -1.0, 1.0);
+        double const d = std::max(e.distanceTo(r.center() + r.halfEdge(0) * s + r.halfEdge(1) * t), 0.0);
+        if (d < least) least = d, u = s, v = t;
+      }
+    }
+    double const d = e.distanceTo(r);
+    EXPECT_NEAR(d, least, 1e-7);
+    EXPECT_LE(d, least + 1e-14);
+    EXPECT_EQ(d == 0.0, e.checkIntersect(r));
+    touching += d == 0.0;
+    within += d > 0.0 && std::abs(u) < 0.999 && std::abs(v) < 0.999;
+  }
+  EXPECT_TRUE(touching > 50 && within > 20) << touching << ' ' << within;
+}
+
+TEST(Ellipsoid, FitsAndBoundsAreTight) {
+  double sumOfRatios = 0.0;
+  for (std::string const& name : realMeshes()) {
+    ZuXmlVectorVector const points(ObjMesh::read(sharedFile("data/objects/" + name)).points);
+    if (points.empty()) GTEST_SKIP() << "no shared meshes";
+    ZuTriPhysicalExtent hull;
+    ASSERT_TRUE(hull.convexHull(points));
+    ZuEllipsoid fit;
+    fit.fitToPoints(points);
+    for (ZuVector const& p : points) ASSERT_LE(fit.distanceTo(p), 1e-14) << name;
+    sumOfRatios += fit.volume() / extentVolume(hull);
+  }
+  EXPECT_LT(sumOfRatios / static_cast<double>(realMeshes().size()), 2.3108);  // 2.3107 when this was written
+  RandomValues random(45);
+  SCOPED_TRACE(random.trace());
+  for (int i = 0; i < 20; ++i) {
+    ZuEllipsoid e, fit;
+    makeRandom(random, e);
+    ZuXmlVectorVector points;
+    for (int k = 0; k < 3000; ++k) {
+      ZuVector const d = random.direction(), &r = e.radii();
+      points.pushBack(e.primaryFrame() * ZuVector(r.x() * d.x(), r.y() * d.y(), r.z() * d.z()));
+    }
+    for (ZuVector const& p : points) ASSERT_LE(e.capsuleBoundingVolume().distanceTo(p), 1e-14);
+    fit.fitToPoints(points);
+    EXPECT_NEAR(fit.volume(), e.volume(), 0.02 * e.volume() + 1e-15);
+    for (ZuVector const& p : points) ASSERT_LE(fit.distanceTo(p), 1e-13);
+  }
+}
+
+TEST(Ellipsoid, TessellationsCloseFaceOutwardAndConverge) {
+  ZuEllipsoid e(ZuCoordinateSystemTransformation::testObject(), {1.0, 0.25, -0.5});
+  double missing = 0.0;
+  for (unsigned int level = 0; level < 5; ++level) {
+    e.setDetailLevel(level);
+    e.setCenter(e.center());
+    ZuBasePhysicalExtent const& extent = e.physicalExtent();
+    EXPECT_TRUE(extent.isConvex() && facetsCloseAndAreConvex(extent));
+    for (ZuVector const& p : extent.points()) ASSERT_NEAR(e.distanceTo(p), 0.0, 1e-14);
+    double const lost = 1.0 - extentVolume(extent) / e.volume();
+    EXPECT_TRUE(level < 2 || std::abs(missing / lost - 4.0) < 0.4) << missing / lost;
+    missing = lost;
+  }
+  EXPECT_LT(missing, 0.01);
 }

@@ -22,6 +22,7 @@
 #include "geometry/zuCircle.h"
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuFacetGroups.h"
 #include "geometry/zuGeneralForce.h"
 #include "geometry/zuGeneralMotion.h"
@@ -63,8 +64,8 @@ using ValueClasses =
 using OwningClasses =
     std::tuple<ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap, ZuXmlVectorVector,
                ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>, ZuXmlMapType<Text, ZuXmlVector>,
-               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuLozenge, ZuTetrahedron,
-               ZuCylinder, ZuCone, ZuFacetGroups, ZuBrick>;
+               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuEllipsoid, ZuLozenge,
+               ZuTetrahedron, ZuCylinder, ZuCone, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
