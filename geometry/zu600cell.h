@@ -21,7 +21,7 @@ struct ZuBarycentricGrid;
 /// Samples are the points of a barycentric grid (`ZuBarycentricGrid`) in each sampled cell, brought to unit length: n
 /// layers for `setupForSampling(n)`, c = n (n + 1) (n + 2) / 6 points in each cell, 300 c in all. No two are the same
 /// rotation. Neighbouring samples of a cell are rotations of about 72/n degrees apart, the nearest of different cells
-/// about 29/n degrees, and no rotation is farther than 54/n degrees from a sample: docs/numerics.md has what was
+/// about 29/n degrees, and no rotation is farther than 55/n degrees from a sample: docs/numerics.md has what was
 /// measured, beside the best sets that are known.
 ///
 /// Numbering. Vertices: the units along the axes, the ones with components +-1/2, then the even permutations of

@@ -193,11 +193,8 @@ TEST(Cell600, TablesOfSamplesAreCheckedAndOffsetsComparedInIntegers) {
 
 TEST(Cell600, CopiesAreEqualUntilOneIsSampledOtherwise) {
   Zu600Cell cell, other(cell);
-  EXPECT_EQ(cell, other);
-  ASSERT_TRUE(cell.setupForSampling(2));
-  EXPECT_NE(cell, other);
+  ASSERT_TRUE(cell.setupForSampling(2) && cell != other);
   other = cell;
-  EXPECT_EQ(cell, other);
   cell.setup();
   EXPECT_TRUE(cell == other && cell.sample(1199) == other.sample(1199));
   cell.resizeBaryCentric(3);
