@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr double theGoldenRatio = 1.618033988749895;
 constexpr double theHalfGoldenRatio = 0.8090169943749475;
 /// Half of the inverse of the golden ratio, as (phi + 1)/2 - 1.
 constexpr double theHalfInverse = 1.3090169943749475 - 1.0;
