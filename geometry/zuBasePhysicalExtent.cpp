@@ -137,6 +137,11 @@ class FundamentalSolutions {
   double m_Radius;
 };
 
+/// What has no end has no boxes.
+bool asksBoxes(ZuShape const& mesh, ZuShape const& other) {
+  return mesh.useAABB() && other.type() != ZuShape::HALF_SPACE;
+}
+
 }  // namespace
 
 std::string const ZuBasePhysicalExtent::m_TheNullMaterialType = "default";
@@ -1103,7 +1108,7 @@ bool ZuBasePhysicalExtent::touchesByBoxes(ZuShape const& other, ZuCoordinateSyst
 double ZuBasePhysicalExtent::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
                                         ZuShapeProximityDescriptor const& descriptor,
                                         ZuSystemShapeProximityState& state) const {
-  if (!useAABB()) return ZuShape::distanceTo(other, xform, descriptor, state);
+  if (!asksBoxes(*this, other)) return ZuShape::distanceTo(other, xform, descriptor, state);
   ZuVector witness1, witness2;
   return distanceAndWitnessPointsTo(other, xform, descriptor, state, witness1, witness2);
 }
@@ -1113,7 +1118,8 @@ double ZuBasePhysicalExtent::distanceAndWitnessPointsTo(ZuShape const& other,
                                                         ZuShapeProximityDescriptor const& descriptor,
                                                         ZuSystemShapeProximityState& state, ZuVector& witness1,
                                                         ZuVector& witness2) const {
-  if (!useAABB()) return ZuShape::distanceAndWitnessPointsTo(other, xform, descriptor, state, witness1, witness2);
+  if (!asksBoxes(*this, other))
+    return ZuShape::distanceAndWitnessPointsTo(other, xform, descriptor, state, witness1, witness2);
   double distance = 0.0;
   touchesByBoxes(other, xform, descriptor, state, witness1, witness2, distance);
   return distance;
@@ -1123,7 +1129,7 @@ bool ZuBasePhysicalExtent::checkIntersect(ZuShape const& other, ZuCoordinateSyst
                                           ZuShapeProximityDescriptor const& descriptor,
                                           ZuSystemShapeProximityState& state, KeyPairs* pairs) const {
   double distance = 0.0;
-  if (useAABB()) {
+  if (asksBoxes(*this, other)) {
     ZuVector witness1, witness2;
     return report(touchesByBoxes(other, xform, descriptor, state, witness1, witness2, distance), descriptor, pairs);
   }
@@ -1135,7 +1141,7 @@ bool ZuBasePhysicalExtent::computePenetrationDistanceAndSupportPoints(ZuShape co
                                                                       ZuCoordinateSystemTransformation const& xform,
                                                                       ZuVector& witness1, ZuVector& witness2,
                                                                       double& distance, ZuVector& direction) const {
-  if (!useAABB()) {
+  if (!asksBoxes(*this, other)) {
     return ZuShape::computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, distance, direction);
   }
   bool const touching = getAABBProcessor().nearestPoints(*this, other, xform, nullptr, witness1, witness2, distance);

@@ -22,6 +22,7 @@
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuGjk.h"
+#include "geometry/zuHalfSpace.h"
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuLozenge.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -66,6 +67,8 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
       return std::make_unique<ZuEllipsoid>();
     case ZuShape::TETRAHEDRON:
       return std::make_unique<ZuTetrahedron>();
+    case ZuShape::HALF_SPACE:
+      return std::make_unique<ZuHalfSpace>();
     case ZuShape::CYLINDER:
       return std::make_unique<ZuCylinder>();
     case ZuShape::BOX:
@@ -77,6 +80,19 @@ std::unique_ptr<ZuShape> newBoundingShape(ZuShape::ZuShapeValues kind) {
     default:
       return nullptr;
   }
+}
+
+/// The engine, which is made when it is needed; or, for a solid without an end, the closed form in its place.
+template <class Engine>
+bool runPair(Engine const& engine, ZuShape const& shape1, ZuShape const& shape2,
+             ZuCoordinateSystemTransformation const& xform, bool computePenetration, ZuVector& witness1,
+             ZuVector& witness2, double& distance, ZuVector& separation) {
+  if (shape1.type() == ZuShape::HALF_SPACE || shape2.type() == ZuShape::HALF_SPACE) {
+    return ZuHalfSpace::pairDistance(shape1, shape2, xform, computePenetration, witness1, witness2, distance,
+                                     separation);
+  }
+  return engine().distance(shape1, shape2, ZuCoordinateSystemTransformation::nullObject(), xform, computePenetration,
+                           witness1, witness2, distance, &separation);
 }
 
 void giveBoundingSurface(ZuShape& shape) {
@@ -361,10 +377,8 @@ bool ZuShape::gjkDistanceAndWitnessPointsQuery(ZuShape const& other, ZuShapeStat
     return true;
   }
   ZuVector direction = record != nullptr ? record->proximityVector() : ZuVector();
-  if (!engine().distance(*this, other, ZuCoordinateSystemTransformation::nullObject(), xform, computeWitness, witness1,
-                         witness2, distance, &direction)) {
-    return false;
-  }
+  auto const usedEngine = [this]() -> ZuGJK& { return engine(); };
+  if (!runPair(usedEngine, *this, other, xform, computeWitness, witness1, witness2, distance, direction)) return false;
   if (record != nullptr) record->storeResult(distance, direction, witness1, witness2, state.updateTime());
   if (!(distance > 0.0)) recordContact(record, witness1, witness2);
   return true;
@@ -644,8 +658,8 @@ bool ZuShape::computePenetrationDistanceAndSupportPoints(ZuShape const& other,
                                                          ZuCoordinateSystemTransformation const& xform,
                                                          ZuVector& witness1, ZuVector& witness2, double& distance,
                                                          ZuVector& direction) const {
-  return engine().distance(*this, other, ZuCoordinateSystemTransformation::nullObject(), xform, true, witness1,
-                           witness2, distance, &direction);
+  auto const usedEngine = [this]() -> ZuGJK& { return engine(); };
+  return runPair(usedEngine, *this, other, xform, true, witness1, witness2, distance, direction);
 }
 
 bool ZuShape::computePenetrationDistanceAndNearestPointsByAABBProcessor(ZuShape const& other,
@@ -694,6 +708,7 @@ bool ZuShape::computePenetrationInformation(ZuShape const& other, ZuShapeStateCa
   ZuVector witness1;
   ZuVector witness2;
   ZuVector direction;
+  if (record != nullptr) record->getWitnessPoints(witness1, witness2);  // concentric balls have none of their own
   double found = distance;
   if (!computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, found, direction) && found <= 0.0) {
     return false;
@@ -701,7 +716,6 @@ bool ZuShape::computePenetrationInformation(ZuShape const& other, ZuShapeStateCa
   distance = found;
   bool const touching = distance <= 0.0;
   if (!touching || record == nullptr) return touching;
-  if (direction == ZuVector()) record->getWitnessPoints(witness1, witness2);  // concentric: there are no nearest points
   record->storeResult(distance, direction, witness1, witness2, state.updateTime());
   recordContact(record, witness1, witness2);
   ZuVector const depth = witness1 - xform * witness2;

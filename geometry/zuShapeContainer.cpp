@@ -8,6 +8,7 @@
 #include "geometry/zuCylinder.h"
 #include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTokens.h"
+#include "geometry/zuHalfSpace.h"
 #include "geometry/zuLozenge.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuSphere.h"
@@ -28,6 +29,7 @@ ZuShapeContainer::ZuShapeContainer() {
   registerSolid<ZuCapsule>(*this);
   registerSolid<ZuEllipsoid>(*this);
   registerSolid<ZuTetrahedron>(*this);
+  registerSolid<ZuHalfSpace>(*this);
   registerSolid<ZuCylinder>(*this);
   registerSolid<ZuBox>(*this);
   registerSolid<ZuCone>(*this);

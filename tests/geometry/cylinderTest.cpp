@@ -86,7 +86,7 @@ TEST_F(Cylinder, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
     ZuShape const& shape = type == ZuShape::CYLINDER ? static_cast<ZuShape const&>(same) : other;
     bool const isMesh = type <= 2;
     bool const hasDistance = type < 10, hasContact = isMesh || type == 3 || type == 11;
-    if (isMesh || type == ZuShape::SPHERE) continue;
+    if (isMesh || type == ZuShape::SPHERE || type == ZuShape::HALF_SPACE) continue;
     std::vector<std::string> expected;
     std::string const pair = " from shapeID (11) to shapeID (" + std::to_string(type) + ") not supported";
     if (!hasDistance) expected.push_back("ZuCylinder::distanceTo-->Distance" + pair);

@@ -28,6 +28,7 @@
 #include "geometry/zuGeneralMotion.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuGeometryOverwriteDescriptor.h"
+#include "geometry/zuHalfSpace.h"
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuLozenge.h"
@@ -64,8 +65,8 @@ using ValueClasses =
 using OwningClasses =
     std::tuple<ZuShapeContainer, ZuPolyPhysicalExtent, ZuTriPhysicalExtent, Text, ZuDataMap, ZuXmlVectorVector,
                ZuXmlVectorType<Real>, ZuXmlVectorType<ZuAxisAlignedBoundingBox>, ZuXmlMapType<Text, ZuXmlVector>,
-               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuEllipsoid, ZuLozenge,
-               ZuTetrahedron, ZuCylinder, ZuCone, ZuFacetGroups, ZuBrick>;
+               ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuEllipsoid, ZuHalfSpace,
+               ZuLozenge, ZuTetrahedron, ZuCylinder, ZuCone, ZuFacetGroups, ZuBrick>;
 
 template <class Tuple>
 struct TypesOf;
