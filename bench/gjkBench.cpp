@@ -1,22 +1,29 @@
-// The convex engine on pairs of hulls: cold, warm along a coherent path, and penetration; peers on the same hulls and
-// poses. For medians of interleaved runs:
+// The convex engines on pairs of hulls, boxes and cylinders: cold, warm along a coherent path, and penetration; peers
+// on the same solids and poses. The argument is the number of vertices; 1 is a pair of boxes, 2 a cylinder and a box.
+// For medians of interleaved runs:
 //   zuBench --benchmark_filter=Gjk --benchmark_enable_random_interleaving=true --benchmark_repetitions=9
 #include <benchmark/benchmark.h>
 
 #include <map>
 #include <memory>
 
+#include "geometry/zuBox.h"
 #include "geometry/zuConvexHull.h"
-#include "geometry/zuGjk.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuRobustGjk.h"
 #include "geometry/zuTriPhysicalExtent.h"
 #include "tests/hullShape.h"
 #ifdef ZU_BENCH_PEERS
+#include <BulletCollision/CollisionShapes/btBoxShape.h>
 #include <BulletCollision/CollisionShapes/btConvexHullShape.h>
+#include <BulletCollision/CollisionShapes/btCylinderShape.h>
 #include <BulletCollision/NarrowPhaseCollision/btGjkEpaPenetrationDepthSolver.h>
 #include <BulletCollision/NarrowPhaseCollision/btGjkPairDetector.h>
 #include <BulletCollision/NarrowPhaseCollision/btPointCollector.h>
 #include <BulletCollision/NarrowPhaseCollision/btVoronoiSimplexSolver.h>
+#include <fcl/geometry/shape/box.h>
 #include <fcl/geometry/shape/convex.h>
+#include <fcl/geometry/shape/cylinder.h>
 #include <fcl/narrowphase/detail/gjk_solver_indep.h>
 #include <fcl/narrowphase/detail/gjk_solver_libccd.h>
 #endif
@@ -27,26 +34,58 @@ using Pose = ZuCoordinateSystemTransformation;
 
 enum Kind { COLD, WARM, DEPTH };
 
-constexpr unsigned int theNumberOfHulls = 16;
+constexpr unsigned int theNumberOfBodies = 16;
 constexpr unsigned int theNumberOfPoses = 1000;
+
+/// Arguments that are no numbers of vertices.
+constexpr unsigned int theBoxes = 1, theCylinderAndBox = 2;
+
+/// A solid, with what makes that of a peer.
+struct Body {
+  enum Form { HULL, BOX, CYLINDER } form = HULL;
+  ZuVector size;  ///< full sides; of a cylinder, along z: diameter, diameter, height
+  HullShape hull;
+  std::unique_ptr<ZuShape> shape;  ///< as clients hold it
+
+  static Body random(Form form, unsigned int vertices, RandomValues& r) {
+    Body body;
+    body.form = form;
+    if (form == HULL) {
+      body.hull = randomHull(r, vertices);
+      auto mesh = std::make_unique<ZuTriPhysicalExtent>();
+      mesh->convexHull(ZuXmlVectorVector(body.hull.vertices()));
+      body.shape = std::move(mesh);
+      return body;
+    }
+    body.size = ZuVector(r.real(0.6, 1.2), r.real(0.6, 1.2), r.real(0.6, 1.2));
+    if (form == CYLINDER) {
+      body.size[1] = body.size.x();
+      ZuVector const half = ZuVector::zVector(0.5 * body.size.z());
+      body.shape = std::make_unique<ZuCylinder>(ZuLineSegment(-half, half), 0.5 * body.size.x());
+    } else {
+      body.shape = std::make_unique<ZuBox>(Pose(), body.size * 0.5);
+    }
+    return body;
+  }
+};
 
 /// The bodies and poses of one benchmark. Shape 1 stands at the identity.
 struct Scene {
-  std::vector<HullShape> hulls;
-  std::vector<ZuTriPhysicalExtent> meshes;  ///< the hulls as clients hold them
+  std::vector<Body> bodies1, bodies2;
   std::vector<Pose> poses;
   std::vector<unsigned int> first, second;
 
   Scene(Kind kind, unsigned int vertices) {
     RandomValues r(vertices);
-    meshes.resize(theNumberOfHulls);
-    for (ZuTriPhysicalExtent& mesh : meshes) {
-      hulls.push_back(randomHull(r, vertices));
-      mesh.convexHull(ZuXmlVectorVector(hulls.back().vertices()));
+    Body::Form const form2 = vertices <= theCylinderAndBox ? Body::BOX : Body::HULL;
+    Body::Form const form1 = vertices == theCylinderAndBox ? Body::CYLINDER : form2;
+    for (unsigned int i = 0; i < theNumberOfBodies; ++i) {
+      bodies1.push_back(Body::random(form1, vertices, r));
+      bodies2.push_back(Body::random(form2, vertices, r));
     }
     for (unsigned int i = 0; i < theNumberOfPoses; ++i) {
-      first.push_back(kind == WARM ? 0 : r.index(theNumberOfHulls));
-      second.push_back(kind == WARM ? 1 : r.index(theNumberOfHulls));
+      first.push_back(kind == WARM ? 0 : r.index(theNumberOfBodies));
+      second.push_back(kind == WARM ? 1 : r.index(theNumberOfBodies));
       double const t = i * (2.0 * 3.14159265358979 / theNumberOfPoses);
       if (kind == WARM) {  // once around, turning, nearer and farther: steps of 15 mm and 0.5 degrees
         ZuOrientation turn;
@@ -78,37 +117,52 @@ void overPoses(benchmark::State& state, Kind kind, Query const& query) {
   }
 }
 
-void sizes(benchmark::internal::Benchmark* benchmark) { benchmark->Arg(8)->Arg(64)->Arg(512)->Arg(4096); }
+void sizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Arg(theBoxes)->Arg(theCylinderAndBox)->Arg(8)->Arg(64)->Arg(512)->Arg(4096);
+}
 
-void gjk(benchmark::State& state, Kind kind) {
-  ZuGJK engine;
+template <class Engine>
+void engine(benchmark::State& state, Kind kind) {
+  Engine engine;
   ZuVector separation;
   overPoses(state, kind, [&](Scene const& s, unsigned int i) {
     ZuVector witness1, witness2;
     double distance = 0.0;
     if (kind != WARM) separation = ZuVector();
-    engine.distance(s.meshes[s.first[i]], s.meshes[s.second[i]], Pose(), s.poses[i], true, witness1, witness2, distance,
-                    &separation);
+    engine.distance(*s.bodies1[s.first[i]].shape, *s.bodies2[s.second[i]].shape, Pose(), s.poses[i], true, witness1,
+                    witness2, distance, &separation);
     return distance;
   });
 }
 
+void gjk(benchmark::State& state, Kind kind) { engine<ZuGJK>(state, kind); }
+
+void robustGjk(benchmark::State& state, Kind kind) { engine<ZuRobustGJK>(state, kind); }
+
 #ifdef ZU_BENCH_PEERS
 
-struct FclHull {
-  explicit FclHull(HullShape const& hull) {
-    auto vertices = std::make_shared<std::vector<fcl::Vector3d>>();
-    for (ZuVector const& v : hull.vertices()) vertices->push_back(fcl::Vector3d(v.x(), v.y(), v.z()));
-    std::vector<ZuGJKTriangle> facets;
-    ZuConvexHull().computeConvexHull(hull.vertices(), facets, nullptr);
-    auto faces = std::make_shared<std::vector<int>>();
-    for (ZuGJKTriangle const& f : facets) {
-      faces->insert(faces->end(), {3, f.vertexIndex(0), f.vertexIndex(2), f.vertexIndex(1)});
-    }
-    convex = std::make_unique<fcl::Convexd>(vertices, static_cast<int>(facets.size()), faces);
+std::unique_ptr<fcl::Convexd> fclHull(HullShape const& hull) {
+  auto vertices = std::make_shared<std::vector<fcl::Vector3d>>();
+  for (ZuVector const& v : hull.vertices()) vertices->push_back(fcl::Vector3d(v.x(), v.y(), v.z()));
+  std::vector<ZuGJKTriangle> facets;
+  ZuConvexHull().computeConvexHull(hull.vertices(), facets, nullptr);
+  auto faces = std::make_shared<std::vector<int>>();
+  for (ZuGJKTriangle const& f : facets) {
+    faces->insert(faces->end(), {3, f.vertexIndex(0), f.vertexIndex(2), f.vertexIndex(1)});
   }
-  std::unique_ptr<fcl::Convexd> convex;
-};
+  return std::make_unique<fcl::Convexd>(vertices, static_cast<int>(facets.size()), faces);
+}
+
+template <class Solid>
+std::unique_ptr<Solid> fclSolid(Body const& body) {
+  if constexpr (std::is_same_v<Solid, fcl::Boxd>) {
+    return std::make_unique<Solid>(body.size.x(), body.size.y(), body.size.z());
+  } else if constexpr (std::is_same_v<Solid, fcl::Cylinderd>) {
+    return std::make_unique<Solid>(0.5 * body.size.x(), body.size.z());
+  } else {
+    return fclHull(body.hull);
+  }
+}
 
 fcl::Transform3d fclPose(Pose const& pose) {
   fcl::Transform3d result = fcl::Transform3d::Identity();
@@ -119,16 +173,20 @@ fcl::Transform3d fclPose(Pose const& pose) {
   return result;
 }
 
-template <class Solver>
-void fclGjk(benchmark::State& state, Kind kind) {
+template <class Solver, class Solid1, class Solid2>
+void fclPairs(benchmark::State& state, Kind kind) {
   Scene const& s = scene(kind, static_cast<unsigned int>(state.range(0)));
-  std::vector<FclHull> hulls(s.hulls.begin(), s.hulls.end());
+  std::vector<std::unique_ptr<Solid1>> solids1;
+  std::vector<std::unique_ptr<Solid2>> solids2;
+  for (Body const& body : s.bodies1) solids1.push_back(fclSolid<Solid1>(body));
+  for (Body const& body : s.bodies2) solids2.push_back(fclSolid<Solid2>(body));
   std::vector<fcl::Transform3d> poses;
   for (Pose const& pose : s.poses) poses.push_back(fclPose(pose));
   Solver solver;
   solver.enableCachedGuess(kind == WARM);
   overPoses(state, kind, [&](Scene const&, unsigned int i) {
-    fcl::Convexd const &a = *hulls[s.first[i]].convex, &b = *hulls[s.second[i]].convex;
+    Solid1 const& a = *solids1[s.first[i]];
+    Solid2 const& b = *solids2[s.second[i]];
     fcl::Vector3d p1, p2;
     double distance = 0.0;
     if (kind == DEPTH) {
@@ -141,19 +199,43 @@ void fclGjk(benchmark::State& state, Kind kind) {
   });
 }
 
+template <class Solver>
+void fclGjk(benchmark::State& state, Kind kind) {
+  if (state.range(0) == theBoxes) {
+    fclPairs<Solver, fcl::Boxd, fcl::Boxd>(state, kind);
+  } else if (state.range(0) == theCylinderAndBox) {
+    fclPairs<Solver, fcl::Cylinderd, fcl::Boxd>(state, kind);
+  } else {
+    fclPairs<Solver, fcl::Convexd, fcl::Convexd>(state, kind);
+  }
+}
+
 void fclIndepGjk(benchmark::State& state, Kind kind) { fclGjk<fcl::detail::GJKSolver_indepd>(state, kind); }
 
 void fclLibccdGjk(benchmark::State& state, Kind kind) { fclGjk<fcl::detail::GJKSolver_libccdd>(state, kind); }
 
+std::unique_ptr<btConvexShape> bulletShape(Body const& body) {
+  btVector3 const half(0.5 * body.size.x(), 0.5 * body.size.y(), 0.5 * body.size.z());
+  std::unique_ptr<btConvexShape> shape;
+  if (body.form == Body::BOX) {
+    shape = std::make_unique<btBoxShape>(half);
+  } else if (body.form == Body::CYLINDER) {
+    shape = std::make_unique<btCylinderShapeZ>(half);
+  } else {
+    auto hull = std::make_unique<btConvexHullShape>();
+    for (ZuVector const& v : body.hull.vertices()) hull->addPoint(btVector3(v.x(), v.y(), v.z()), false);
+    hull->recalcLocalAabb();
+    shape = std::move(hull);
+  }
+  shape->setMargin(0.0);
+  return shape;
+}
+
 void bulletGjk(benchmark::State& state, Kind kind) {
   Scene const& s = scene(kind, static_cast<unsigned int>(state.range(0)));
-  std::vector<std::unique_ptr<btConvexHullShape>> hulls;
-  for (HullShape const& hull : s.hulls) {
-    hulls.push_back(std::make_unique<btConvexHullShape>());
-    hulls.back()->setMargin(0.0);
-    for (ZuVector const& v : hull.vertices()) hulls.back()->addPoint(btVector3(v.x(), v.y(), v.z()), false);
-    hulls.back()->recalcLocalAabb();
-  }
+  std::vector<std::unique_ptr<btConvexShape>> shapes1, shapes2;
+  for (Body const& body : s.bodies1) shapes1.push_back(bulletShape(body));
+  for (Body const& body : s.bodies2) shapes2.push_back(bulletShape(body));
   std::vector<btTransform> poses;
   for (Pose const& pose : s.poses) {
     ZuOrientation const q = pose.orientation();
@@ -164,7 +246,7 @@ void bulletGjk(benchmark::State& state, Kind kind) {
   btGjkEpaPenetrationDepthSolver depth;
   btVector3 axis(0.0, 1.0, 0.0);
   overPoses(state, kind, [&](Scene const&, unsigned int i) {
-    btGjkPairDetector detector(hulls[s.first[i]].get(), hulls[s.second[i]].get(), &simplex, &depth);
+    btGjkPairDetector detector(shapes1[s.first[i]].get(), shapes2[s.second[i]].get(), &simplex, &depth);
     if (kind == WARM) detector.setCachedSeparatingAxis(axis);
     btGjkPairDetector::ClosestPointInput input;
     input.m_transformA.setIdentity();
@@ -191,5 +273,8 @@ BENCHMARK_CAPTURE(bulletGjk, depth, DEPTH)->Apply(sizes);
 BENCHMARK_CAPTURE(gjk, cold, COLD)->Apply(sizes);
 BENCHMARK_CAPTURE(gjk, warm, WARM)->Apply(sizes);
 BENCHMARK_CAPTURE(gjk, depth, DEPTH)->Apply(sizes);
+BENCHMARK_CAPTURE(robustGjk, cold, COLD)->Apply(sizes);
+BENCHMARK_CAPTURE(robustGjk, warm, WARM)->Apply(sizes);
+BENCHMARK_CAPTURE(robustGjk, depth, DEPTH)->Apply(sizes);
 
 }  // namespace

@@ -2,7 +2,9 @@
 
 #include <typeinfo>
 
+#include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCylinder.h"
 #include "geometry/zuSphere.h"
 
 namespace {
@@ -26,16 +28,46 @@ ZuConvexCore::ZuConvexCore(ZuShape const& shape) : m_Shape(shape) {
       break;
     case ZuShape::CAPSULE:
       if (auto const* capsule = exactly<ZuCapsule>(shape)) {
-        ZuLineSegment const& core = capsule->lineSegment();
         m_Kind = SEGMENT;
-        center = core.endpoint0() * 0.5 + core.endpoint1() * 0.5;
-        m_Half = core.endpoint1() * 0.5 - core.endpoint0() * 0.5;
+        takeSegment(capsule->lineSegment().endpoint0(), capsule->lineSegment().endpoint1());
         radius = capsule->radius();
+      }
+      break;
+    case ZuShape::BOX:
+      if (auto const* box = exactly<ZuBox>(shape)) takeBox(box->extents(), box->primaryFrame());
+      break;
+    case ZuShape::CYLINDER:
+      if (auto const* cylinder = exactly<ZuCylinder>(shape)) {
+        m_Kind = CYLINDER;
+        takeSegment(cylinder->lineSegment().endpoint0(), cylinder->lineSegment().endpoint1());
+        alignWithSegment();
+        m_Half = ZuVector(cylinder->radius() > 0.0 ? cylinder->radius() : 0.0, 0.0, m_Half.mag());
       }
       break;
     default:
       break;
   }
+}
+
+void ZuConvexCore::takeBox(ZuVector const& half, ZuCoordinateSystemTransformation const& frame) {
+  m_Kind = BOX;
+  m_Half = half;
+  turn = ZuTurn(frame);
+  center = frame.translation();
+}
+
+/// Halves first: the sum of two ends may leave the doubles.
+void ZuConvexCore::takeSegment(ZuVector const& end0, ZuVector const& end1) {
+  center = end0 * 0.5 + end1 * 0.5;
+  m_Half = end1 * 0.5 - end0 * 0.5;
+}
+
+/// Lets the z axis of the core's frame run along the segment; that of the shape when it has no length.
+void ZuConvexCore::alignWithSegment() {
+  if (m_Half.x() == 0.0 && m_Half.y() == 0.0) return;
+  ZuVector const z = m_Half.unitVector();
+  ZuVector const x = (std::abs(z.x()) < 0.5 ? ZuVector::xVector(1.0) : ZuVector::yVector(1.0)).cross(z).unitVector();
+  turn = ZuTurn(x, z.cross(x), z);
 }
 
 ZuVector ZuConvexCore::askShape(ZuVector const& d) const { return m_Shape.computeSupportPoint(d); }
@@ -49,7 +81,9 @@ ZuCoreDifference::ZuCoreDifference(ZuShape const& shape1, ZuShape const& shape2,
   m_Turn = m_World.inverseTimes(turn2.times(core2.turn));
   ZuVector const between = T2.translation() * scale - T1.translation() * scale;
   m_Offset = m_World.inverseTimes(between + (turn2.times(core2.center * scale) - turn1.times(core1.center * scale)));
-  m_Extent = largest(m_Offset) + scale * (largest(core1.center) + largest(core2.center));
+  double const reach1 = core1.reach(), reach2 = core2.reach();
+  m_HasReach = reach1 > 0.0 && reach2 > 0.0;
+  m_Extent = largest(m_Offset) + scale * (largest(core1.center) + largest(core2.center) + reach1 + reach2);
 }
 
 /// Directions of a scaled set may be of any length; points as large as doubles allow want short ones.

@@ -45,6 +45,8 @@ class ZuConvexCore {
         return {};
       case BOX:
         return {std::copysign(m_Half.x(), d.x()), std::copysign(m_Half.y(), d.y()), std::copysign(m_Half.z(), d.z())};
+      case CYLINDER:
+        return onCylinder(d);
       case SEGMENT:
         return d.dot(m_Half) < 0.0 ? -m_Half : m_Half;
       default:
@@ -57,15 +59,27 @@ class ZuConvexCore {
   ZuTurn turn;      ///< of the core's frame in the shape's
   ZuVector center;  ///< origin of the core's frame in the shape's
   double radius = 0.0;
+  /// A bound on the coordinates of the points in the core's frame; 0 when only its points will tell.
+  double reach() const {
+    return m_Kind == SHAPE ? 0.0 : std::abs(m_Half.x()) + std::abs(m_Half.y()) + std::abs(m_Half.z());
+  }
 
  private:
-  enum Kind { SHAPE, POINT, SEGMENT, BOX };
+  enum Kind { SHAPE, POINT, SEGMENT, BOX, CYLINDER };
 
   ZuVector askShape(ZuVector const& d) const;
+  /// About the z axis, of radius half.x; the centre of a cap for a direction along the axis.
+  ZuVector onCylinder(ZuVector const& d) const {
+    double const square = d.x() * d.x() + d.y() * d.y(), factor = square > 0.0 ? m_Half.x() / std::sqrt(square) : 0.0;
+    return {d.x() * factor, d.y() * factor, std::copysign(m_Half.z(), d.z())};
+  }
+  void takeBox(ZuVector const& half, ZuCoordinateSystemTransformation const& frame);
+  void takeSegment(ZuVector const& end0, ZuVector const& end1);
+  void alignWithSegment();
 
   ZuShape const& m_Shape;
   Kind m_Kind = SHAPE;
-  ZuVector m_Half;  ///< half of the sides or of the segment
+  ZuVector m_Half;  ///< half of the sides or of the segment; of a cylinder radius, radius and half of the height
 };
 
 /// A point y = p - q of the difference set, with the points of the cores, each in its core's frame.
@@ -117,13 +131,17 @@ class ZuCoreDifference {
   void supportScaled(ZuVector const& direction, ZuCorePoint& point);
   void finish(ZuCorePoint& point) {
     point.y = point.p - (m_Turn.times(point.q) + m_Offset);
+    if (m_HasReach) return;
     m_Extent = std::max(m_Extent, largest(point.p) + largest(point.q));
   }
-  static double largest(ZuVector const& v) { return std::max({std::abs(v.x()), std::abs(v.y()), std::abs(v.z())}); }
+  static double largest(ZuVector const& v) {
+    return std::max(std::abs(v.x()), std::max(std::abs(v.y()), std::abs(v.z())));
+  }
 
   ZuConvexCore core1, core2;
   ZuTurn m_Turn;      ///< of core 2's frame in core 1's
   ZuVector m_Offset;  ///< origin of core 2's frame in core 1's
   ZuTurn m_World;     ///< of core 1's frame in the world
   double m_Scale, m_Extent;
+  bool m_HasReach;  ///< the extent is known beforehand
 };

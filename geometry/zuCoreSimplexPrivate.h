@@ -20,8 +20,11 @@ class ZuCoreSimplex {
     ZuVector v;
     double square = std::numeric_limits<double>::infinity();
     int count = 0;  ///< points of the face; 4: the origin is inside
-    int place[4] = {};
+    int place[4];
+    double weight[4];  ///< of the points in v, times any factor above 0
   };
+
+  ZuCoreSimplex() {}
 
   int count() const { return m_Count; }
   ZuCorePoint const& point(int i) const { return m_Points[m_Place[i]]; }
@@ -67,44 +70,82 @@ class ZuCoreSimplex {
     offerTriangle(b[0], b[1], b[2], true, best);
     return best;
   }
+  /// The nearest point of the faces of the present simplex, or of the edges of a triangle: of a slim figure hardly
+  /// farther, and told with less rounding.
+  Nearest nearestOfBoundary() const {
+    Nearest best;
+    int const* const b = m_Place;
+    if (m_Count == 4) {
+      offerTriangle(b[0], b[1], b[2], true, best);
+      offerTriangle(b[0], b[2], b[3], true, best);
+      offerTriangle(b[0], b[3], b[1], true, best);
+      offerTriangle(b[1], b[3], b[2], true, best);
+    } else if (m_Count == 3) {
+      offerEdge(b[0], b[1], best);
+      offerEdge(b[1], b[2], best);
+      offerEdge(b[2], b[0], best);
+    }
+    return best;
+  }
   void take(Nearest const& nearest) {
     m_Count = nearest.count;
-    for (int i = 0; i < m_Count; ++i) m_Place[i] = nearest.place[i];
+    unsigned int used = 0;
+    for (int i = 0; i < m_Count; ++i) {
+      m_Place[i] = nearest.place[i];
+      m_Weight[i] = nearest.weight[i];
+      used |= 1U << nearest.place[i];
+    }
     m_Free = 0;
-    while (isUsed(m_Free)) ++m_Free;
+    while ((used >> m_Free & 1U) != 0) ++m_Free;
   }
   /// Becomes this point.
   void take(ZuCorePoint const& point) {
     m_Points[0] = point;
     m_Place[0] = 0;
+    m_Weight[0] = 1.0;
     m_Count = m_Free = 1;
   }
   /// The mean of the points that is nearest to the origin, of the cores and of the difference set.
   ZuCorePoint mean() const {
-    double weights[4];
-    findWeights(weights);
-    ZuCorePoint sum;
+    double sum = m_Weight[0];
+    for (int i = 1; i < m_Count; ++i) sum += m_Weight[i];
+    ZuCorePoint mean;
     for (int i = 0; i < m_Count; ++i) {
-      sum.y += point(i).y * weights[i];
-      sum.p += point(i).p * weights[i];
-      sum.q += point(i).q * weights[i];
+      double const weight = m_Weight[i] / sum;
+      mean.y += point(i).y * weight;
+      mean.p += point(i).p * weight;
+      mean.q += point(i).q * weight;
     }
-    return sum;
+    return mean;
+  }
+  /// Corrects the weights of three or four points by what their mean is off: for a simplex of size e and a width of s e
+  /// they are rough by eps / s, and by its square when corrected once.
+  void refine() {
+    if (m_Count < 3) return;
+    ZuVector const rest = mean().y;
+    ZuVector edges[3];
+    for (int i = 1; i < m_Count; ++i) edges[i - 1] = point(i).y - point(0).y;
+    double change[4] = {};
+    bool const isSolved = m_Count == 3
+                              ? ZuSimplex::triangleWeights(rest, edges[0], edges[1], edges[0].cross(edges[1]), change)
+                              : ZuSimplex::tetrahedronWeights(rest, edges, change);
+    if (!isSolved) return;
+    double sum = 0.0;
+    for (int i = 0; i < m_Count; ++i) sum += m_Weight[i];
+    double others = 0.0;
+    for (int i = 1; i < m_Count; ++i) {
+      m_Weight[i] = std::max(m_Weight[i] / sum + change[i - 1], 0.0);
+      others += m_Weight[i];
+    }
+    m_Weight[0] = std::max(1.0 - others, 0.0);
   }
 
  private:
   ZuVector const& y(int place) const { return m_Points[place].y; }
-  bool isUsed(int place) const {
-    for (int i = 0; i < m_Count; ++i) {
-      if (m_Place[i] == place) return true;
-    }
-    return false;
-  }
-
   void offerCorner(int a, Nearest& best) const {
     double const square = y(a).magSquared();
     if (!(square < best.square)) return;
-    best = {y(a), square, 1, {a}};
+    best = {y(a), square, 1, {a}, {1.0}};
   }
   void offerEdge(int a, int b, Nearest& best) const {
     ZuVector const edge = y(b) - y(a);
@@ -113,7 +154,7 @@ class ZuCoreSimplex {
     if (!(along < length)) return offerCorner(b, best);
     ZuVector const v = y(a) + edge * (along / length);
     double const square = v.magSquared();
-    if (square < best.square) best = {v, square, 2, {a, b}};
+    if (square < best.square) best = {v, square, 2, {a, b}, {length - along, along}};
   }
   /// `all`: also the edge from b to c, which a new point a never makes nearest but by rounding.
   void offerTriangle(int a, int b, int c, bool all, Nearest& best) const {
@@ -132,7 +173,7 @@ class ZuCoreSimplex {
     bool const isFlat = !(square > smallest);
     if (!isFlat && atA > 0.0 && atB > 0.0 && atC > 0.0) {
       double const height = normal.dot(ya), nearest = height * height / square;
-      if (nearest < best.square) best = {normal * (height / square), nearest, 3, {a, b, c}};
+      if (nearest < best.square) best = {normal * (height / square), nearest, 3, {a, b, c}, {atA, atB, atC}};
       return;
     }
     if (isFlat || !(atC > 0.0)) offerEdge(a, b, best);
@@ -159,30 +200,19 @@ class ZuCoreSimplex {
     offerIfBeyond(b, c, ab, ac, abc);
     offerIfBeyond(c, d, ac, ad, acd);
     offerIfBeyond(d, b, ad, ab, adb);
-    if (isInside) best = {ZuVector(), 0.0, 4, {a, b, c, d}};
+    if (!isInside) return;
+    ZuVector const edges[3] = {ab, ac, ad};
+    double weights[4] = {1.0, 1.0, 1.0, 1.0};
+    ZuSimplex::tetrahedronWeights(y(a), edges, weights);
+    for (double& weight : weights) weight = std::max(weight, 0.0);
+    best = {ZuVector(), 0.0, 4, {a, b, c, d}, {weights[3], weights[0], weights[1], weights[2]}};
   }
 
-  void findWeights(double weights[4]) const {
-    weights[0] = 1.0;
-    if (m_Count == 2) {
-      ZuSimplex::nearestOnSegment(point(0).y, point(1).y, weights[1]);
-      weights[0] -= weights[1];
-    } else if (m_Count > 2) {
-      ZuVector edges[3];
-      for (int i = 1; i < m_Count; ++i) edges[i - 1] = point(i).y - point(0).y;
-      double w[4] = {0.0, 0.0, 1.0, 1.0};
-      bool const isSolved =
-          m_Count == 3 ? ZuSimplex::triangleWeights(point(0).y, edges[0], edges[1], edges[0].cross(edges[1]), w)
-                       : ZuSimplex::tetrahedronWeights(point(0).y, edges, w);
-      weights[0] = isSolved ? w[m_Count - 1] : 1.0;
-      for (int i = 1; i < m_Count; ++i) weights[i] = isSolved ? w[i - 1] : 0.0;
-    }
-    double sum = 0.0;
-    for (int i = 0; i < m_Count; ++i) sum += weights[i] = std::max(weights[i], 0.0);
-    for (int i = 0; i < m_Count; ++i) weights[i] /= sum;
-  }
-
-  ZuCorePoint m_Points[5];
-  int m_Place[4] = {};
+  // Uninitialised: a place is read only after it was put into.
+  union {
+    ZuCorePoint m_Points[5];
+  };
+  int m_Place[4];
+  double m_Weight[4];
   int m_Count = 0, m_Free = 0;
 };

@@ -21,6 +21,10 @@ constexpr unsigned int theFineExpansions = 256, theCoarseExpansions = 1024;
 /// Facets with a sine below 1e-4 go as soon as a point may be in front of them: their normals are rough, and what is
 /// left around them would not be convex.
 constexpr double theSlimRounding = theOrientationRounding * 1e4;
+/// How much wider than the gap of the bounds the nearest point may miss them.
+constexpr double theSlack = 4.0;
+/// Depths that are less than this part of the largest numbers are 0 when rounding leaves no facet for them.
+constexpr double theDoubtful = 1e-9;
 /// Cosine of the angle up to which facets count as parallel: 0.14 mrad.
 constexpr double theSameNormal = 1.0 - 1e-8;
 constexpr double theFarthest = std::numeric_limits<double>::infinity();
@@ -40,15 +44,17 @@ ZuVector perpendicular(ZuVector const& v) {
 ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSimplex const& simplex, double tolerance,
                                                  unsigned int maxExpansions, Depth& depth) {
   m_Expansions = 0;
+  m_Noise = theSupportRounding * set.extent();
   if (!start(set, simplex, depth)) return FLAT;
   Ending const ending = expand(set, tolerance, maxExpansions, depth);
   if (ending == SEPARATED) return APART;
-  depth.lower = lowest();
+  depth.lower = std::min(m_Lower, m_Upper);
   bool const isCoarse = ending == ENOUGH || m_Expansions > theFineExpansions;
-  double const gap = tolerance * m_Size + noise(set);
-  finish(isCoarse ? settle(set, gap) : -1, gap, depth);
+  double const gap = tolerance * m_Size + m_Noise;
+  bool const isFound = finish(isCoarse ? settle(set, gap) : -1, gap, set.extent(), depth);
+  if (!isFound) depth.normal = m_UpperNormal;
   depth.upper = m_Upper;
-  return FOUND;
+  return isFound ? FOUND : FLAT;
 }
 
 /// The gap at which the search ends, as a multiple of that of its beginning. Solids of revolution about one axis are as
@@ -63,16 +69,16 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
   for (; m_Expansions < limit; ++m_Expansions) {
     int const facet = nextNearest();
     if (facet < 0) return MET;
-    double const lower = m_Facets[facet].height, gap = tolerance * patience() * m_Size + noise(set);
+    double const lower = m_Lower = m_Facets[facet].height, gap = tolerance * patience() * m_Size + m_Noise;
     if (lower >= m_Upper - gap) return MET;
     ZuCorePoint point;
     double const h = supportValue(set, facet, point);
-    if (h < -noise(set)) {
+    if (h < -m_Noise) {
       depth.normal = m_Facets[facet].normal;
       return SEPARATED;
     }
     if (!(h > lower + gap)) return MET;
-    insert(point, facet, noise(set));
+    insert(point, facet);
   }
   return ENOUGH;
 }
@@ -85,7 +91,7 @@ int ZuDepthPolytope::settle(ZuCoreDifference& set, double gap) {
     ZuCorePoint point;
     double const h = supportValue(set, facet, point);
     bool const isFound = !(h > m_Facets[facet].height + gap);
-    if (!isFound && !insert(point, facet, noise(set))) return facet;
+    if (!isFound && !insert(point, facet)) return facet;
     int const next = facetAlong(m_UpperNormal);
     if (isFound && next == facet) return facet;
     facet = next;
@@ -104,8 +110,6 @@ double ZuDepthPolytope::supportValue(ZuCoreDifference& set, int facet, ZuCorePoi
   }
   return h;
 }
-
-double ZuDepthPolytope::noise(ZuCoreDifference const& set) const { return theSupportRounding * set.extent(); }
 
 // The start.
 
@@ -142,7 +146,7 @@ bool ZuDepthPolytope::start(ZuCoreDifference& set, ZuCoreSimplex const& simplex,
         if (m_Points.size() == 1) offer(set, ZuVector::zVector(1.0), best, most);
       }
     }
-    if (!(most > theFlatness * std::max(m_Size, most) + noise(set))) {
+    if (!(most > theFlatness * std::max(m_Size, most) + m_Noise)) {
       depth.normal = m_Points.size() == 3 ? m_Axis : perpendicular(m_Axis);
       if (m_Points.size() == 1) depth.normal = ZuVector::xVector(1.0);
       return false;
@@ -200,20 +204,32 @@ void ZuDepthPolytope::addPoint(ZuCorePoint const& point) {
 }
 
 /// Into the heap comes only what may be nearest: a facet beyond the upper bound never is.
+///
+/// The height of a point over the plane of a facet of edges e0, e1 is wrong by its noise and by c eps |e0| |e1| / |e0 x
+/// e1| of the size of the set, and |e0| |e1| <= (e0^2 + e1^2) / 2. A slim facet goes as soon as a point may be in front
+/// of it, a facet without an area with any point.
 void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
   Facet& f = m_Facets[facet];
   ZuVector const &ya = m_Points[a].y, &yb = m_Points[b].y, &yc = m_Points[c].y;
   ZuVector const ab = yb - ya, ac = yc - ya, normal = ab.cross(ac);
-  double const length = std::sqrt(normal.magSquared());
+  double const square = normal.magSquared();
   f.corner[0] = a;
   f.corner[1] = b;
   f.corner[2] = c;
   f.isLive = true;
-  f.normal = length > 0.0 ? normal * (1.0 / length) : ZuVector();
-  // Without an area, every point sees it, and it goes.
-  f.rounding =
-      length > 0.0 ? theOrientationRounding * std::sqrt(ab.magSquared() * ac.magSquared()) / length : theFarthest;
-  f.height = length > 0.0 ? std::max({f.normal.dot(ya), f.normal.dot(yb), f.normal.dot(yc)}) : theFarthest;
+  if (!(square > 0.0)) {
+    f.normal = ZuVector();
+    f.height = theFarthest;
+    f.bound = -theFarthest;
+    return;
+  }
+  double const inverse = 1.0 / std::sqrt(square);
+  double const rounding = theOrientationRounding * 0.5 * (ab.magSquared() + ac.magSquared()) * inverse;
+  double const doubt = rounding * m_Size + m_Noise;
+  f.normal = normal * inverse;
+  double const height = f.normal.dot(ya);
+  f.bound = height + (rounding < theSlimRounding ? doubt : -doubt);
+  f.height = std::max(height, std::max(f.normal.dot(yb), f.normal.dot(yc)));
   if (!(f.height < m_Upper)) return;
   m_Heap.push_back({f.height, facet});
   std::push_heap(m_Heap.begin(), m_Heap.end());
@@ -256,14 +272,7 @@ int ZuDepthPolytope::facetAlong(ZuVector const& direction) const {
 
 // Expansion.
 
-bool ZuDepthPolytope::isVisible(Facet const& facet, ZuVector const& w) const {
-  ZuVector const toPoint = w - m_Points[facet.corner[0]].y;
-  double const doubt = facet.rounding * sumOfMagnitudes(toPoint) + m_Noise, height = facet.normal.dot(toPoint);
-  return facet.rounding < theSlimRounding ? height > doubt : !(height <= -doubt);
-}
-
-bool ZuDepthPolytope::insert(ZuCorePoint const& point, int facet, double noise) {
-  m_Noise = noise;
+bool ZuDepthPolytope::insert(ZuCorePoint const& point, int facet) {
   if (!findHorizon(point.y, facet) || !isOneLoop(point.y)) {
     for (int const removed : m_Removed) m_Facets[removed].isLive = true;
     return false;
@@ -293,7 +302,7 @@ bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet) {
     if (!other.isLive) continue;
     int edge = 0;
     while (edge < 2 && other.corner[edge] != to) ++edge;
-    if (isVisible(other, w)) {
+    if (!(other.normal.dot(w) <= other.bound)) {
       other.isLive = false;
       m_Removed.push_back(across);
       m_Visits.push_back({across, (edge + 1) % 3, 2});
@@ -338,38 +347,43 @@ void ZuDepthPolytope::closeHorizon() {
 
 // The answer.
 
-double ZuDepthPolytope::lowest() const {
-  double least = theFarthest;
-  for (Facet const& facet : m_Facets) {
-    if (facet.isLive) least = std::min(least, facet.height);
-  }
-  return least;
-}
-
 /// The nearest point of the facet, or, when there is none, of the surface. It has faces of several facets, whose
 /// heights differ by rounding: the facet of the least height need not be the one that holds the nearest point.
-void ZuDepthPolytope::finish(int only, double gap, Depth& depth) const {
-  double const highest = std::max(lowest(), m_Upper) + gap;
+bool ZuDepthPolytope::finish(int only, double gap, double extent, Depth& depth) const {
+  double const lowest = std::min(m_Lower, m_Upper) - gap, highest = std::max(m_Lower, m_Upper) + gap;
+  double const farthest = std::max(m_Upper, 0.0) + theSlack * gap;
+  double least = theFarthest;
+  if (only >= 0) takeIfNearer(m_Facets[only], least, depth);
   // Through an origin on the surface go planes of facets that are none of the set's: the proven one has the normal.
   for (double const slope : {theSameNormal, -1.0}) {
-    double least = theFarthest;
-    for (int f = 0; f < static_cast<int>(m_Facets.size()); ++f) {
-      Facet const& facet = m_Facets[f];
-      bool const isCandidate = facet.isLive && facet.height <= highest && facet.normal.dot(m_UpperNormal) >= slope;
-      if (only >= 0 ? f == only : isCandidate) takeIfNearer(facet, least, depth);
+    if (least <= farthest * farthest) return true;
+    for (Facet const& facet : m_Facets) {
+      // Below the lower bound are slim facets that could not be expanded.
+      bool const isNear = facet.isLive && facet.height <= highest && facet.height >= lowest;
+      bool const isCandidate = isNear && facet.normal.dot(m_UpperNormal) >= slope;
+      if (isCandidate) takeIfNearer(facet, least, depth);
     }
-    if (least < theFarthest) return;
   }
+  return least <= farthest * farthest || !(m_Upper <= theDoubtful * extent);
 }
 
 void ZuDepthPolytope::takeIfNearer(Facet const& facet, double& least, Depth& depth) const {
   ZuCorePoint const &a = m_Points[facet.corner[0]], &b = m_Points[facet.corner[1]], &c = m_Points[facet.corner[2]];
+  ZuVector const ab = b.y - a.y, ac = c.y - a.y, normal = ab.cross(ac);
   ZuVector w;
-  ZuVector const nearest = ZuSimplex::nearestOnTriangle(a.y, b.y, c.y, (b.y - a.y).cross(c.y - a.y), w);
+  ZuSimplex::nearestOnTriangle(a.y, b.y, c.y, normal, w);
+  // The weights of a slim facet are rough: what counts is the point that they give, once corrected by what it is off.
+  ZuVector nearest = a.y * w.x() + b.y * w.y() + c.y * w.z();
+  double change[3];
+  if (w.x() > 0.0 && w.y() > 0.0 && w.z() > 0.0 && ZuSimplex::triangleWeights(nearest, ab, ac, normal, change)) {
+    ZuVector const corrected(w.x() - change[0] - change[1], w.y() + change[0], w.z() + change[1]);
+    if (corrected.x() > 0.0 && corrected.y() > 0.0 && corrected.z() > 0.0) w = corrected;
+    nearest = a.y * w.x() + b.y * w.y() + c.y * w.z();
+  }
   if (!(nearest.magSquared() < least)) return;
   least = nearest.magSquared();
   depth.normal = facet.normal;
-  depth.nearest.y = a.y * w.x() + b.y * w.y() + c.y * w.z();
+  depth.nearest.y = nearest;
   depth.nearest.p = a.p * w.x() + b.p * w.y() + c.p * w.z();
   depth.nearest.q = a.q * w.x() + b.q * w.y() + c.q * w.z();
 }

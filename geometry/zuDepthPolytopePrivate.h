@@ -21,7 +21,7 @@ class ZuDepthPolytope {
  public:
   enum Outcome {
     FOUND,  ///< nearest, normal and bounds are set
-    FLAT,   ///< the set has no depth along the normal, which is set, and nothing else
+    FLAT,   ///< the set has no depth, or hardly any, along the normal, which alone counts
     APART   ///< h(normal) < 0 proves that the cores are apart; the normal alone is set
   };
   struct Depth {
@@ -45,8 +45,8 @@ class ZuDepthPolytope {
     int corner[3];
     int across[3];  ///< the facet across the edge from corner k to corner k + 1
     ZuVector normal;
-    double height;    ///< of the plane over the origin
-    double rounding;  ///< of the height of a point over the plane, as a part of its distance from corner 0
+    double height;  ///< of the plane over the origin
+    double bound;   ///< a point is in front of the facet when its height along the normal is more
     bool isLive;
   };
   struct HeapEntry {
@@ -81,16 +81,13 @@ class ZuDepthPolytope {
   void addPoint(ZuCorePoint const& point);
   int freeFacet();
   int nextNearest();
-  bool insert(ZuCorePoint const& point, int facet, double noise);
+  bool insert(ZuCorePoint const& point, int facet);
   bool findHorizon(ZuVector const& w, int facet);
   bool isOneLoop(ZuVector const& w);
   void closeHorizon();
-  bool isVisible(Facet const& facet, ZuVector const& w) const;
   int facetAlong(ZuVector const& direction) const;
-  double lowest() const;
-  void finish(int only, double gap, Depth& depth) const;
+  bool finish(int only, double gap, double extent, Depth& depth) const;
   void takeIfNearer(Facet const& facet, double& least, Depth& depth) const;
-  double noise(ZuCoreDifference const& set) const;
 
   std::vector<ZuCorePoint> m_Points;
   std::vector<Facet> m_Facets;
@@ -100,7 +97,7 @@ class ZuDepthPolytope {
   std::vector<int> m_Removed, m_Free, m_Stamps;
   ZuVector m_Axis;  ///< of the first points: their line, then their plane
   ZuVector m_UpperNormal;
-  double m_Size = 0.0, m_Upper = 0.0, m_Noise = 0.0;
+  double m_Size = 0.0, m_Lower = 0.0, m_Upper = 0.0, m_Noise = 0.0;
   int m_Stamp = 0;
   unsigned int m_Expansions = 0;
 };

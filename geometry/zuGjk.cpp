@@ -46,6 +46,16 @@ ZuVector weightedMean(int set, double const weights[4], ZuVector const points[4]
   return (set & 15) == 0 ? ZuVector() : weightedMean(set, ones, points);
 }
 
+bool isFinite(ZuVector const& v) { return v * 0.0 == ZuVector(); }
+
+/// The neutral answer, with a message.
+void refuse(ZuVector& witness1, ZuVector& witness2, double& distance, ZuVector* separation) {
+  Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuGJK::distance-->not a finite number (distance %g)", distance);
+  distance = 0.0;
+  witness1 = witness2 = ZuVector();
+  if (separation != nullptr) *separation = ZuVector();
+}
+
 }  // namespace
 
 /// What one distance iteration carries from step to step.
@@ -87,10 +97,7 @@ bool ZuGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateS
   if (m_Simplex.bits == 0) adoptStart(loop);
   distance = loop.distance;
   if (!std::isfinite(distance)) {
-    Zu::Print::instance().write(Zu::PRINT_WARNING, "ZuGJK::distance-->not a finite number (distance %g)", distance);
-    distance = 0.0;
-    witness1 = witness2 = ZuVector();
-    if (separation != nullptr) *separation = ZuVector();
+    refuse(witness1, witness2, distance, separation);
     return true;
   }
   bool const touching = distance <= m_Tolerance;
@@ -101,10 +108,15 @@ bool ZuGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateS
   } else {
     pointsInLocal(m_Simplex.bits, witness1, witness2);
     if (separation != nullptr) *separation = loop.v;
-    if (touching && !computePenetration) {
-      distance = 0.0;
-      return true;
-    }
+  }
+  // Weights are products of up to six lengths, which leave the doubles before the distance does.
+  if (!isFinite(witness1) || !isFinite(witness2) || !isFinite(loop.v) || !isFinite(penetrationVector)) {
+    refuse(witness1, witness2, distance, separation);
+    return true;
+  }
+  if (touching && !computePenetration) {
+    distance = 0.0;
+    return true;
   }
   noteConvexity(shape1, shape2);
   return true;

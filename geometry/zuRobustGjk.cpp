@@ -13,7 +13,7 @@ namespace {
 /// of a curved solid is then off by a millionth of its size. Smaller, curved solids take more steps.
 constexpr double theDistanceTolerance = 1e-14;
 /// The same of a depth. After 256 expansions 200 times, after 1024 2000 times as much will do.
-constexpr double theDepthTolerance = 1e-12;
+constexpr double theDepthTolerance = 1e-13;
 /// Expansions of a polytope, beyond the thousands that two coaxial cylinders take.
 constexpr unsigned int theMostExpansions = 2048;
 /// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is
@@ -27,6 +27,11 @@ constexpr int theMostSteps = 256;
 constexpr int theMostRecoveries = 32;
 
 bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
+/// Of all at once: what is not finite is not 0 when multiplied by it.
+bool isFinite(ZuVector const& a, ZuVector const& b, ZuVector const& c, double d) {
+  ZuVector const sum = a * 0.0 + b * 0.0 + c * 0.0;
+  return sum.x() + sum.y() + sum.z() + d * 0.0 == 0.0;
+}
 
 /// A power of two that brings the numbers of a pair to about 1; 0 when one of them is not finite, or all are 0.
 double scaleOf(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
@@ -73,14 +78,21 @@ class ZuRobustGJK::Iteration {
   void run(ZuVector const& start) {
     m_V = start.unitVector();
     if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
-    ZuCorePoint& first = m_Simplex.freePoint();
+    ZuCorePoint first;
     m_Set.support(-m_V, first);
     m_Bound = m_V.dot(first.y);
-    m_First = first.y;
-    takeNearest(m_Simplex.nearest());
+    m_First = m_V = first.y;
+    m_Simplex.take(first);
+    m_Square = m_V.magSquared();
+    m_Overlaps = !(m_Square > noise() * noise());
     int steps = 1;
-    while (steps < theMostSteps && !m_Overlaps && step()) ++steps;
+    do {
+      while (steps < theMostSteps && !m_Overlaps && step()) ++steps;
+    } while (m_Overlaps && !isProven());
     if (!m_IsDone) m_Result = m_Simplex.mean();
+    // So near that the polytope has to tell, when rounding left the iteration no proof.
+    double const length = m_Result.y.mag();
+    if (length - m_Bound > theSlack * band() && length <= theDoubtful * m_Set.extent()) m_Overlaps = true;
   }
   bool overlaps() const { return m_Overlaps; }
   ZuCoreSimplex const& simplex() const { return m_Simplex; }
@@ -98,7 +110,7 @@ class ZuRobustGJK::Iteration {
     m_Bound = std::max(m_Bound, m_V.dot(w.y) / length);
     if (length - m_Bound <= band()) return certify(w);
     ZuVector const away = w.y - m_First;
-    m_Size = std::max({m_Size, std::abs(away.x()), std::abs(away.y()), std::abs(away.z())});
+    m_Size = std::max(m_Size, std::max(std::abs(away.x()), std::max(std::abs(away.y()), std::abs(away.z()))));
     if (m_Simplex.isRepeated()) return recover(w);
     ZuCoreSimplex::Nearest nearest = m_Simplex.nearest();
     if (nearest.count == 4 && m_Bound > noise()) nearest.square = m_Square;  // proven apart: rounding
@@ -111,43 +123,80 @@ class ZuRobustGJK::Iteration {
     m_Simplex.take(nearest);
     m_V = nearest.v;
     m_Square = nearest.square;
+    m_IsMean = false;
     m_Overlaps = !(m_Square > noise() * noise());
   }
 
-  /// The nearest point by its weights is a point of the set for sure; one by the normal of a slim face may be off.
-  bool certify(ZuCorePoint const& w) {
-    m_Result = m_Simplex.mean();
+  /// Sets the result to the mean of the simplex, or of a face of it, and tells whether it is as near as the least
+  /// distance allows. The mean is a point of the set for sure; what a slim simplex says of its nearest point may be
+  /// off.
+  bool meanIsWithin(double least) {
     m_IsDone = true;
-    return m_Result.y.mag() - m_Bound > theSlack * band() && recover(w);
+    double nearest = std::numeric_limits<double>::infinity();
+    for (;;) {
+      for (int i = 0; i < theRefinements; ++i) {
+        ZuCorePoint const mean = m_Simplex.mean();
+        double const length = mean.y.mag();
+        if (!(length >= nearest)) m_Result = mean;
+        nearest = std::min(nearest, length);
+        if (length - least <= theSlack * band()) return true;
+        m_Simplex.refine();
+      }
+      ZuCoreSimplex::Nearest const ofBoundary = m_Simplex.nearestOfBoundary();
+      if (ofBoundary.count == 0) return false;
+      m_Simplex.take(ofBoundary);
+    }
   }
-  /// Goes on from the segment of the mean and the support point w: unless rounding has the last word, it holds a nearer
-  /// point than the mean.
+  bool certify(ZuCorePoint const& w) { return !meanIsWithin(m_Bound) && recover(w); }
+  /// The same for an origin that is said to be inside; goes on from the mean if it is not.
+  bool isProven() {
+    if (meanIsWithin(0.0)) return true;
+    ++m_Recoveries;
+    goOnFromMean();
+    m_IsDone = m_Recoveries > theMostRecoveries;
+    return m_IsDone;
+  }
+  /// Goes on from the segment of the mean and the support point w, which holds a nearer point than the mean if w is one
+  /// for it too; otherwise from the mean alone, unless that is where it came from: then rounding has the last word.
   bool recover(ZuCorePoint const& newest) {
     ZuCorePoint const w = newest;
-    m_Result = m_Simplex.mean();
-    m_IsDone = true;
-    double const square = m_Result.y.magSquared();
-    if (std::sqrt(square) - m_Bound <= theSlack * band() || ++m_Recoveries > theMostRecoveries) return false;
-    m_Simplex.take(m_Result);
+    if (meanIsWithin(m_Bound)) return false;
+    bool const wasMean = m_IsMean;
+    ++m_Recoveries;
+    goOnFromMean();
     m_Simplex.freePoint() = w;
     ZuCoreSimplex::Nearest const nearest = m_Simplex.nearest();
-    if (!(nearest.square < square)) return false;
-    takeNearest(nearest);
-    m_IsDone = false;
-    return true;
+    bool const isNearer = nearest.square < m_Square;
+    m_IsDone = (!isNearer && wasMean) || m_Recoveries > theMostRecoveries;
+    if (isNearer && !m_IsDone) takeNearest(nearest);
+    return !m_IsDone;
+  }
+  void goOnFromMean() {
+    if (m_Recoveries > 1 && m_Best.y.magSquared() < m_Result.y.magSquared()) m_Result = m_Best;
+    m_Best = m_Result;
+    m_Simplex.take(m_Result);
+    m_V = m_Result.y;
+    m_Square = m_V.magSquared();
+    m_IsMean = true;
+    m_Overlaps = m_IsDone = false;
   }
 
+  /// How often a mean is corrected.
+  static constexpr int theRefinements = 3;
+  /// Distances without proof that are less than this part of the largest numbers count as overlaps.
+  static constexpr double theDoubtful = 1e-9;
   /// How much wider than the band a gap may be that rounding leaves.
   static constexpr double theSlack = 4.0;
 
   ZuCoreDifference& m_Set;
   ZuCoreSimplex m_Simplex;
-  ZuCorePoint m_Result;
+  ZuCorePoint m_Result, m_Best;
   ZuVector m_V, m_First;
   double m_Tolerance, m_Square = 0.0, m_Bound = 0.0;
   double m_Size = 0.0;  ///< of the set, as far as it was seen
   int m_Recoveries = 0;
   bool m_Overlaps = false, m_IsDone = false;
+  bool m_IsMean = false;  ///< the simplex is one point, the mean of an earlier one
 };
 
 ZuRobustGJK::ZuRobustGJK() {
@@ -192,7 +241,7 @@ bool ZuRobustGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoord
       witness2 = set.witness2(answer.point.q, answer.normal, share * r2);
       ZuVector const vector = set.inWorld(answer.point.y - answer.normal * (r1 + r2));
       distance = isCommon ? 0.0 : answer.distance / scale;
-      if (isFinite(witness1) && isFinite(witness2) && isFinite(vector) && std::isfinite(distance)) {
+      if (isFinite(witness1, witness2, vector, distance)) {
         if (separation != nullptr) *separation = isCommon ? ZuVector() : vector;
         noteConvexity(shape1, shape2);
         return true;
