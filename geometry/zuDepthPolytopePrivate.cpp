@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/zuExactSignsPrivate.h"
+
 namespace {
 
 constexpr double theEpsilon = 0x1p-52;
@@ -272,19 +274,28 @@ int ZuDepthPolytope::facetAlong(ZuVector const& direction) const {
 
 // Expansion.
 
+/// First with what rounding leaves in doubt on the safe side; where that does not make one loop, by exact signs.
 bool ZuDepthPolytope::insert(ZuCorePoint const& point, int facet) {
-  if (!findHorizon(point.y, facet) || !isOneLoop(point.y)) {
+  for (bool const isExact : {false, true}) {
+    if (findHorizon(point.y, facet, isExact) && isOneLoop(point.y)) {
+      addPoint(point);
+      closeHorizon();
+      return true;
+    }
     for (int const removed : m_Removed) m_Facets[removed].isLive = true;
-    return false;
   }
-  addPoint(point);
-  closeHorizon();
-  return true;
+  return false;
+}
+
+bool ZuDepthPolytope::isVisible(Facet const& facet, ZuVector const& w, bool isExact) const {
+  if (!isExact) return !(facet.normal.dot(w) <= facet.bound);
+  ZuVector const &a = m_Points[facet.corner[0]].y, &b = m_Points[facet.corner[1]].y, &c = m_Points[facet.corner[2]].y;
+  return ZuExactSigns::side(a, b, c, w) < 0;
 }
 
 /// Walks over what the point sees, across the edges of each facet in turn, so that the edges of the horizon come in
 /// order.
-bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet) {
+bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet, bool isExact) {
   m_Horizon.clear();
   m_Removed.assign(1, facet);
   m_Visits.assign(1, {facet, 0, 3});
@@ -302,7 +313,7 @@ bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet) {
     if (!other.isLive) continue;
     int edge = 0;
     while (edge < 2 && other.corner[edge] != to) ++edge;
-    if (!(other.normal.dot(w) <= other.bound)) {
+    if (isVisible(other, w, isExact)) {
       other.isLive = false;
       m_Removed.push_back(across);
       m_Visits.push_back({across, (edge + 1) % 3, 2});

@@ -82,7 +82,8 @@ class ZuDepthPolytope {
   int freeFacet();
   int nextNearest();
   bool insert(ZuCorePoint const& point, int facet);
-  bool findHorizon(ZuVector const& w, int facet);
+  bool isVisible(Facet const& facet, ZuVector const& w, bool isExact) const;
+  bool findHorizon(ZuVector const& w, int facet, bool isExact);
   bool isOneLoop(ZuVector const& w);
   void closeHorizon();
   int facetAlong(ZuVector const& direction) const;
