@@ -1,23 +1,17 @@
 #include "foundation/zuMath.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <limits>
 
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
 #include "tests/sharedFiles.h"
+#include "tests/testValues.h"
 
 namespace {
 
-double const theNan = std::numeric_limits<double>::quiet_NaN();
-double const theInfinity = std::numeric_limits<double>::infinity();
 double const theEpsilon = std::numeric_limits<double>::epsilon();
 
 using Five = std::array<double, 5>;
@@ -37,10 +31,8 @@ std::array<double, 3> eigenvaluesOf(std::array<double, 6> const& a) {
 /// Compares triples in descending order.
 bool areNear(std::array<double, 3> const& computed, std::array<double, 3> const& exact, double ulpsOfLargest) {
   double const allowed = ulpsOfLargest * theEpsilon * std::max(std::abs(exact[0]), std::abs(exact[2]));
-  for (unsigned int i = 0; i < 3; ++i) {
-    if (!(std::abs(computed[i] - exact[i]) <= allowed)) return false;
-  }
-  return true;
+  return std::equal(exact.begin(), exact.end(), computed.begin(),
+                    [&](double a, double b) { return std::abs(a - b) <= allowed; });
 }
 
 double integer(RandomValues& random, double reach) { return std::floor(random.real(-reach, reach)); }
@@ -50,47 +42,36 @@ double integer(RandomValues& random, double reach) { return std::floor(random.re
 TEST(Math, DivisorsRootsAndAnglesNeverFail) {
   double const smallest = std::numeric_limits<double>::min();
   EXPECT_EQ(ZuMath::nonZeroPos(3.0), 3.0);
-  for (double const x : {0.0, -0.0, -5.0, smallest / 2.0, theNan, -theInfinity})
+  for (double const x : {0.0, -0.0, -5.0, smallest / 2.0, std::nan(""), -HUGE_VAL})
     EXPECT_EQ(ZuMath::nonZeroPos(x), smallest);
   EXPECT_EQ(ZuMath::sqrt(9.0), 3.0);
   EXPECT_EQ(ZuMath::sqrt(-1e-17), 0.0);
   EXPECT_EQ(ZuMath::asin(1.0 + 1e-15), std::asin(1.0));
   EXPECT_EQ(ZuMath::asin(-7.0), std::asin(-1.0));
-  EXPECT_TRUE(std::isnan(ZuMath::asin(theNan)) && std::isnan(ZuMath::sqrt(theNan)));
+  EXPECT_TRUE(std::isnan(ZuMath::asin(NAN)) && std::isnan(ZuMath::sqrt(NAN)));
 }
 
 TEST(CubicRoots, KnownCases) {
   double const root3 = std::sqrt(3.0);
-  struct Case {
-    double c2, c1, c0;
-    Five expected;
-  } const cases[] = {
-      {-6, 11, -6, {3, 2, 1, 0, 0}},
-      {-3, 3, -1, {1, 1, 1, 0, 0}},
-      {-4, 5, -2, {2, 1, 1, 0, 0}},
-      {0, 0, 0, {0, 0, 0, 0, 0}},
-      {2, 0, 0, {0, 0, -2, 0, 0}},
-      {0, -9, 0, {3, 0, -3, 0, 0}},
-      {0, 4, 0, {0, 0, 0, 2, -2}},
-      {0, 0, -8, {2, -1, -1, root3, -root3}},
-      {0, 1, 1e-30, {-1e-30, 5e-31, 5e-31, 1, -1}},
-      {-2, 1, -1e-30, {1, 1, 1e-30, 0, 0}},  // 1 +- 1e-15: closer than the roots are told apart in a double near 1
-      {-3e-310, 0, 0, {3e-310, 0, 0, 0, 0}},
-      {1e300, 0, 0, {0, 0, -1e300, 0, 0}},
-      {-(1e10 + 1 + 1e-10), 1e10 + 1 + 1e-10, -1, {1e10, 1, 1e-10, 0, 0}},
-      {-1e20, 2e20, -2e20, {1e20, 1, 1, 1, -1}},
+  std::pair<std::array<double, 3>, Five> const cases[] = {
+      {{0, 0, 0}, {0, 0, 0, 0, 0}},
+      {{0, 0, -8}, {2, -1, -1, root3, -root3}},
+      {{0, 1, 1e-30}, {-1e-30, 5e-31, 5e-31, 1, -1}},
+      {{-2, 1, -1e-30}, {1, 1, 1e-30, 0, 0}},  // 1 +- 1e-15: closer than the roots are told apart in a double near 1
+      {{-3e-310, 0, 0}, {3e-310, 0, 0, 0, 0}},
+      {{1e300, 0, 0}, {0, 0, -1e300, 0, 0}},
+      {{-(1e10 + 1 + 1e-10), 1e10 + 1 + 1e-10, -1}, {1e10, 1, 1e-10, 0, 0}},
+      {{-1e20, 2e20, -2e20}, {1e20, 1, 1, 1, -1}},
   };
-  for (Case const& c : cases) {
-    Five const roots = rootsOf(c.c2, c.c1, c.c0);
-    for (unsigned int i = 0; i < 5; ++i) {
-      EXPECT_NEAR(roots[i], c.expected[i], 5e-15 * std::abs(c.expected[i])) << i << " for " << c.c2 << ' ' << c.c1;
-    }
+  for (auto const& [c, expected] : cases) {
+    Five const roots = rootsOf(c[0], c[1], c[2]);
+    for (unsigned int i = 0; i < 5; ++i)
+      EXPECT_NEAR(roots[i], expected[i], 5e-15 * std::abs(expected[i])) << i << " for " << c[0] << ' ' << c[1];
   }
 }
 
 TEST(CubicRoots, RootsThatTheCoefficientsHoldExactlyComeOutToAnUlp) {
-  RandomValues random(42);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(42);
   for (int i = 0; i < 20000; ++i) {
     // Integers of 17 bits and a power of two: the coefficients are exact, so are clusters and repeated roots.
     double const scale = std::ldexp(1.0, static_cast<int>(random.index(400)) - 200);
@@ -107,9 +88,8 @@ TEST(CubicRoots, RootsThatTheCoefficientsHoldExactlyComeOutToAnUlp) {
   }
 }
 
-TEST(CubicRoots, GradedRootsAreEachAccurateByThemselves) {
-  RandomValues random(43);
-  SCOPED_TRACE(random.trace());
+TEST(CubicRoots, GradedRootsAreEachAccurateByThemselvesAndConjugatePairsByTheirSize) {
+  TracedValues random(43);
   for (int i = 0; i < 5000; ++i) {
     double const large = random.scale(1e5, 1e25), small = random.scale(1e-25, 1e-5);
     double const sign = random.real() < 0.0 ? -1.0 : 1.0;
@@ -119,26 +99,18 @@ TEST(CubicRoots, GradedRootsAreEachAccurateByThemselves) {
     EXPECT_NEAR(roots[0], large, 4 * theEpsilon * large);
     EXPECT_NEAR(sign > 0.0 ? roots[1] : roots[2], sign, 8 * theEpsilon);
     EXPECT_NEAR(sign > 0.0 ? roots[2] : roots[1], small, 8 * theEpsilon * small);
-  }
-}
 
-TEST(CubicRoots, ConjugatePairsAreAccurate) {
-  RandomValues random(44);
-  SCOPED_TRACE(random.trace());
-  for (int i = 0; i < 5000; ++i) {
     double const real = integer(random, 0x1p15), centre = integer(random, 0x1p15);
-    double const imaginary = 1.0 + std::abs(integer(random, 0x1p15));
+    double const imaginary = 1.0 + std::abs(integer(random, 0x1p15)), squared = centre * centre + imaginary * imaginary;
     double const size = std::max({std::abs(real), std::abs(centre), imaginary});
-    double const squared = centre * centre + imaginary * imaginary;
-    Five const roots = rootsOf(-(real + 2.0 * centre), squared + 2.0 * centre * real, -real * squared);
+    Five const pair = rootsOf(-(real + 2.0 * centre), squared + 2.0 * centre * real, -real * squared);
     Five const expected{real, centre, centre, imaginary, -imaginary};
-    for (unsigned int k = 0; k < 5; ++k) EXPECT_NEAR(roots[k], expected[k], theEpsilon * size);
+    for (unsigned int k = 0; k < 5; ++k) EXPECT_NEAR(pair[k], expected[k], theEpsilon * size);
   }
 }
 
 TEST(CubicRoots, NoBitPatternOfCoefficientsGivesNan) {
-  RandomValues random(45);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(45);
   PrintSink sink;
   for (int i = 0; i < 200000; ++i) {
     auto const any = [&] {
@@ -152,15 +124,14 @@ TEST(CubicRoots, NoBitPatternOfCoefficientsGivesNan) {
     ASSERT_TRUE(roots[3] > 0.0 || (roots[0] >= roots[1] && roots[1] >= roots[2] && roots[3] == 0.0));
   }
   sink.take();
-  EXPECT_EQ(rootsOf(1.0, theNan, 2.0), (Five{0, 0, 0, 0, 0}));
-  EXPECT_EQ(eigenvaluesOf({1, 0, theInfinity, 1, 0, 1}), (std::array<double, 3>{}));
-  EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuMath::cubicRoots-->coefficient not finite (1, nan, 2)",
-                                                   "ZuMath::symmetricEigenvalues-->element not finite (inf)"}));
+  EXPECT_EQ(rootsOf(1.0, NAN, 2.0), (Five{0, 0, 0, 0, 0}));
+  EXPECT_EQ(eigenvaluesOf({1, 0, HUGE_VAL, 1, 0, 1}), (std::array<double, 3>{}));
+  EXPECT_EQ(sink.take(), (Messages{"ZuMath::cubicRoots-->coefficient not finite (1, nan, 2)",
+                                   "ZuMath::symmetricEigenvalues-->element not finite (inf)"}));
 }
 
 TEST(SymmetricEigenvalues, RepeatedAndClusteredOnesAreAsAccurateAsOthers) {
-  RandomValues random(46);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(46);
   for (int i = 0; i < 20000; ++i) {
     // c I + k v v^T in integers: c twice, and c + k v.v.
     double const x = integer(random, 300), y = integer(random, 300), z = integer(random, 300);

@@ -1,8 +1,6 @@
 // The polymorphic container: its classes, its elements and their plug-ins.
-#include <gtest/gtest.h>
-
 #include "foundation/zuBaseExpressionTreeElement.h"
-#include "tests/printSink.h"
+#include "tests/testValues.h"
 #include "tests/xmlSamples.h"
 
 namespace {

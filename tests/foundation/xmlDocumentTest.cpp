@@ -1,18 +1,16 @@
 // What documents say and what objects hold: hostile documents, exact values, attributes, special elements, visitors.
-#include <gtest/gtest.h>
-
 #include <cfloat>
-#include <cmath>
 #include <cstring>
-#include <limits>
-#include <random>
 
-#include "tests/printSink.h"
+#include "tests/oneMessage.h"
 #include "tests/xmlSamples.h"
 
 namespace {
 
 std::string inZoo(std::string const& element) { return "<zoo>\n" + element + "\n</zoo>\n"; }
+
+/// What each message refuses.
+using Refusals = std::vector<std::pair<char const*, std::vector<std::string>>>;
 
 std::string repeated(std::string const& text, std::size_t times) {
   std::string all;
@@ -28,19 +26,21 @@ void expectRefused(std::string const& document, std::string const& message) {
   std::string const before = documentOf(target);
   PrintSink sink;
   EXPECT_FALSE(target.readFromBuffer(document));
-  ASSERT_EQ(sink.messages().size(), 1U);
-  EXPECT_NE(sink.messages()[0].find(message), std::string::npos) << sink.messages()[0];
-  EXPECT_EQ(sink.messages()[0].find('\n'), std::string::npos);
+  EXPECT_TRUE(saysOnce(sink, message));
   EXPECT_EQ(documentOf(target), before);
 }
 
 }  // namespace
 
 TEST(XmlDocument, RefusesWhatIsNoValueAndNamesItsLine) {
-  struct {
-    char const* message;
-    std::vector<std::string> elements;
-  } const theCases[] = {
+  for (std::string const text : {"",         " ",      "1.0.0",    "0x10",     "1e999",
+                                 "-1e999",   "1,5",    "1 2",      "--1",      "+-1",
+                                 "-+1",      "- 1",    "1e",       ".",        "e5",
+                                 "one",      "1m",     "infinity", "INF",      "NaN",
+                                 "nan(0x0)", "nan(0x", "nan(0x1",  "nan()",    "nan(0x10000000000000)",
+                                 "nan(0xg)", "nan1",   "inf1",     "\302\2401"})
+    expectRefused(inZoo("<real>" + text + "</real>"), "ZuXmlReader::read-->buffer, line 2: <real> is not a number");
+  Refusals const theElements = {
       {"line 2: unknown element <unknown>", {"<unknown/>"}},
       {"line 2: unknown element <x:real>", {"<x:real>1</x:real>"}},
       {"line 1: text between the elements of <zoo>", {"<real>1</real>text", "text<real>1</real>"}},
@@ -71,35 +71,15 @@ TEST(XmlDocument, RefusesWhatIsNoValueAndNamesItsLine) {
        {"<text>&lol;</text>", "<text>a & b</text>", "<text>&#0;</text>", "<text>&#xD800;</text>",
         "<text>&#x110000;</text>", "<text>&#99999999999;</text>", "<text>&#x;</text>", "<node name='&#1;'/>"}},
       {"line 3: a byte that is no character of XML", {"<text>\n\x01</text>"}},
-      {"line 2: a byte that is no character of XML", {"<text>\xC0\xAF</text>", std::string("<text>\0</text>", 14)}},
-  };
-  for (auto const& theCase : theCases) {
-    for (std::string const& element : theCase.elements) expectRefused(inZoo(element), theCase.message);
-  }
-}
-
-TEST(XmlDocument, RefusesWhatIsNoNumber) {
-  for (std::string const text : {"",         " ",      "1.0.0",    "0x10",     "1e999",
-                                 "-1e999",   "1,5",    "1 2",      "--1",      "+-1",
-                                 "-+1",      "- 1",    "1e",       ".",        "e5",
-                                 "one",      "1m",     "infinity", "INF",      "NaN",
-                                 "nan(0x0)", "nan(0x", "nan(0x1",  "nan()",    "nan(0x10000000000000)",
-                                 "nan(0xg)", "nan1",   "inf1",     "\302\2401"}) {
-    PrintSink sink;
-    Real target(7.0);
-    EXPECT_FALSE(target.readFromBuffer("<real>\n" + text + "</real>"));
-    EXPECT_EQ(sink.messages(), std::vector<std::string>{"ZuXmlReader::read-->buffer, line 1: <real> is not a number"});
-    EXPECT_EQ(target.value(), 7.0) << text;
-  }
+      {"line 2: a byte that is no character of XML", {"<text>\xC0\xAF</text>", std::string("<text>\0</text>", 14)}}};
+  for (auto const& [message, elements] : theElements)
+    for (std::string const& element : elements) expectRefused(inZoo(element), message);
 }
 
 TEST(XmlDocument, RefusesWhatIsNoDocument) {
   std::size_t const deep = 100000;
   std::string const nodes = repeated("<node>", deep) + repeated("</node>", deep);
-  struct {
-    char const* message;
-    std::vector<std::string> documents;
-  } const theCases[] = {
+  Refusals const theDocuments = {
       {"no element", {"", " \n", "<!-- nothing -->"}},
       {"text outside the root element", {"text", "<zoo/>\ntext", "text<zoo/>"}},
       {"a second root element", {"<zoo/><zoo/>"}},
@@ -111,17 +91,13 @@ TEST(XmlDocument, RefusesWhatIsNoDocument) {
        {"<!DOCTYPE zoo [<!ENTITY l \"lol\"><!ENTITY m \"&l;&l;&l;&l;\">]>\n<zoo><text>&m;</text></zoo>"}},
       {"elements nested more than 256 deep", {nodes, "<zoo>" + nodes + "</zoo>"}},
       {"line 1: ", {repeated("<node>", deep)}},
-      {"more elements and attributes", {"<zoo>" + repeated("<a/>", ZuXmlReader::m_theMaximumMarkup) + "</zoo>"}},
-  };
-  for (auto const& theCase : theCases) {
-    for (std::string const& document : theCase.documents) expectRefused(document, theCase.message);
-  }
+      {"more elements and attributes", {"<zoo>" + repeated("<a/>", ZuXmlReader::m_theMaximumMarkup) + "</zoo>"}}};
+  for (auto const& [message, documents] : theDocuments)
+    for (std::string const& document : documents) expectRefused(document, message);
 }
 
 TEST(XmlDocument, TakesTheSameValueInOtherWords) {
-  struct {
-    std::string element, inOtherWords;
-  } const theCases[] = {
+  std::pair<std::string, std::string> const theCases[] = {
       {"<real>5</real>", "<real> +5.\t</real>"},
       {"<real>0.5</real>", "<real>&#46;<!-- half -->5</real>"},
       {"<int>7</int>", "<int>\r\n+7 </int>"},
@@ -135,14 +111,13 @@ TEST(XmlDocument, TakesTheSameValueInOtherWords) {
        "<node kind='other' name='a\nb'><unit>g</unit><weight>2</weight></node>"},
       {"<node/>", "<node xmlns='http://a.b' xmlns:x='y' x:name='z'><!-- nothing --></node>"},
       {"<frame/>", "<frame><orientation>2 0 0 0</orientation></frame>"},
-      {"<node><node><weight>3</weight></node></node>", "<node><node><unit/><weight>3</weight></node>\n</node>"},
-  };
-  for (auto const& theCase : theCases) {
-    SCOPED_TRACE(theCase.inOtherWords);
+      {"<node><node><weight>3</weight></node></node>", "<node><node><unit/><weight>3</weight></node>\n</node>"}};
+  for (auto const& [element, inOtherWords] : theCases) {
+    SCOPED_TRACE(inOtherWords);
     ZuXmlBaseVariableCompoundType first = zoo(), second = zoo();
-    ASSERT_TRUE(first.readFromBuffer(inZoo(theCase.element)));
+    ASSERT_TRUE(first.readFromBuffer(inZoo(element)));
     ASSERT_TRUE(second.readFromBuffer("\xEF\xBB\xBF<?xml version='1.0'?><!DOCTYPE zoo SYSTEM 'zoo.dtd'>" +
-                                      inZoo(theCase.inOtherWords) + "<!-- end -->"));
+                                      inZoo(inOtherWords) + "<!-- end -->"));
     EXPECT_TRUE(first == second);
     EXPECT_EQ(documentOf(first), documentOf(second));  // also where members are only written
   }
@@ -150,12 +125,11 @@ TEST(XmlDocument, TakesTheSameValueInOtherWords) {
 
 TEST(XmlDocument, KeepsEveryBitOfEveryDouble) {
   constexpr std::size_t theCount = 100002;
-  double const infinity = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
   std::mt19937_64 engine(97);
   std::vector<std::uint64_t> bits(theCount);
   for (std::uint64_t& pattern : bits) pattern = engine();
   double const special[] = {0.0,  -0.0,     DBL_MAX,   -DBL_MAX, DBL_MIN, 2 * DBL_MIN - 5e-324, 5e-324, -5e-324, 0.1,
-                            1e23, infinity, -infinity, nan,      -nan};
+                            1e23, HUGE_VAL, -HUGE_VAL, NAN,      -NAN};
   std::memcpy(bits.data(), special, sizeof special);
   bits[20] = 0x7FF0000000000001U;  // a signalling NaN with the smallest payload
   bits[21] = 0xFFFFFFFFFFFFFFFFU;
@@ -185,8 +159,7 @@ TEST(XmlDocument, KeepsEveryStringThatXmlCanCarryAndRefusesTheOthers) {
     PrintSink sink;
     std::string buffer = "old";
     EXPECT_FALSE(Text(text).writeToBuffer(buffer, "text"));
-    ASSERT_EQ(sink.messages().size(), 1U) << text;
-    EXPECT_NE(sink.messages()[0].find("XML can't carry the byte 0x"), std::string::npos) << sink.messages()[0];
+    EXPECT_TRUE(saysOnce(sink, "XML can't carry the byte 0x")) << text;
     EXPECT_EQ(buffer, "old");
   }
 }
@@ -228,17 +201,13 @@ TEST(XmlDocument, TellsWhatItHeld) {
 
 TEST(XmlCompoundType, KnowsItsComponents) {
   Node node;
-  EXPECT_TRUE(node.hasChildren() && node.hasAttributes());
-  EXPECT_TRUE(node.isReadOnlyComponent("unit") && node.isReadOnlyAttribute("kind"));
+  EXPECT_TRUE(node.hasChildren() && node.hasAttributes() && node.isReadOnlyComponent("unit") &&
+              node.isReadOnlyAttribute("kind"));
   EXPECT_FALSE(node.isReadOnlyComponent("weight") || node.isReadOnlyComponent("none") ||
                node.isReadOnlyAttribute("name"));
-  EXPECT_EQ(node.componentMap().find("weight")->object, &node.weight);
-  EXPECT_EQ(node.attributeComponentMap().find("name")->object, &node.name);
-  EXPECT_EQ(node.specialDescriptorMap().count(Node::classToken()), 1U);
   node.createComponentMap();
   node.createAttributeComponentMap();
-  EXPECT_EQ(node.componentMap().components().size(), 2U);
-  EXPECT_EQ(node.attributeComponentMap().components().size(), 2U);
+  EXPECT_EQ(node.componentMap().components().size() + node.attributeComponentMap().components().size(), 4U);
   ZuXmlPairType<Real, Real> const plain;
   EXPECT_TRUE(!plain.hasAttributes() && plain.specialDescriptorMap().empty());
 }
@@ -285,16 +254,13 @@ TEST(XmlContainers, DoWhatTheirNamesSay) {
   map.add(2.0, std::string("zwei"));
   Text text(std::string("old"));
   unsigned int index = 7;
-  EXPECT_TRUE(map.lookup(2.0, text) && map.keyIndex(2.0, index));
+  EXPECT_TRUE(map.lookup(2.0, text) && map.keyIndex(2.0, index) && text.value() == "zwei" && index == 1U);
   EXPECT_FALSE(map.lookup(3.0, text) || map.lookupPointer(3.0) != nullptr || map.keyIndex(3.0, index));
-  EXPECT_EQ(text.value(), "zwei");
-  EXPECT_EQ(index, 1U);
   PrintSink sink;
   map.add(std::nan(""), Text());
-  EXPECT_EQ(map.size(), 2U);
-  EXPECT_EQ(sink.messages().size(), 1U);
+  EXPECT_TRUE(map.size() == 2U && sink.messages().size() == 1U);
   ZuXmlVectorType<Real> list;
-  list.leftRotate(3);
+  list.leftRotate(3);  // of nothing
   for (double const item : {0.0, 1.0, 2.0, 3.0}) list.pushBack(item);
   list.leftRotate(5);
   EXPECT_TRUE(list[0] == Real(1.0) && list[3] == Real(0.0));
