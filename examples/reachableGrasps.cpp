@@ -22,6 +22,7 @@
 #include "geometry/zu600cell.h"
 #include "geometry/zuBox.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuHalfSpace.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuShapeProximityDescriptor.h"
 #include "geometry/zuSystemShapeProximityState.h"
@@ -81,7 +82,7 @@ class Gripper {
   bool touches(ZuShape const& shape, ZuCoordinateSystemTransformation const& frame) {
     for (std::unique_ptr<ZuShape> const& part : m_Parts) {
       m_Memory.setUpdateTime(m_Memory.updateTime() + 1);  // another part, at another place
-      if (shape.checkIntersect(part->physicalExtent(), frame, m_Pair, m_Memory, nullptr)) return true;
+      if (shape.checkIntersect(*part, frame, m_Pair, m_Memory, nullptr)) return true;
     }
     return false;
   }
@@ -386,7 +387,7 @@ int main(int argumentCount, char** arguments) {
   Object object = hasFile ? loadObject(argumentCount > 2 ? arguments[2] : drill) : bottle();
   if (object.mesh == nullptr) return 1;
   place(object);
-  ZuBox const table(ZuCoordinateSystemTransformation(ZuVector(0.0, 0.0, -0.5)), ZuVector(2.0, 2.0, 0.5));
+  ZuHalfSpace const table(ZuPlane(ZuVector(), ZuVector::zVector(1.0)));  // all that is not above its top
   std::vector<Sample> const samples = tryAll(object, table);
   std::array<std::size_t, 3> counts{};
   for (Sample const& sample : samples) ++counts[static_cast<std::size_t>(sample.outcome)];
