@@ -26,6 +26,8 @@
 #include <fcl/geometry/shape/cylinder.h>
 #include <fcl/narrowphase/detail/gjk_solver_indep.h>
 #include <fcl/narrowphase/detail/gjk_solver_libccd.h>
+
+#include "bench/peers.h"
 #endif
 
 namespace {
@@ -164,15 +166,6 @@ std::unique_ptr<Solid> fclSolid(Body const& body) {
   }
 }
 
-fcl::Transform3d fclPose(Pose const& pose) {
-  fcl::Transform3d result = fcl::Transform3d::Identity();
-  ZuOrientation const q = pose.orientation();
-  ZuVector const t = pose.translation();
-  result.linear() = fcl::Quaterniond(q[0], q[1], q[2], q[3]).toRotationMatrix();
-  result.translation() = fcl::Vector3d(t.x(), t.y(), t.z());
-  return result;
-}
-
 template <class Solver, class Solid1, class Solid2>
 void fclPairs(benchmark::State& state, Kind kind) {
   Scene const& s = scene(kind, static_cast<unsigned int>(state.range(0)));
@@ -237,11 +230,7 @@ void bulletGjk(benchmark::State& state, Kind kind) {
   for (Body const& body : s.bodies1) shapes1.push_back(bulletShape(body));
   for (Body const& body : s.bodies2) shapes2.push_back(bulletShape(body));
   std::vector<btTransform> poses;
-  for (Pose const& pose : s.poses) {
-    ZuOrientation const q = pose.orientation();
-    ZuVector const t = pose.translation();
-    poses.emplace_back(btQuaternion(q[1], q[2], q[3], q[0]), btVector3(t.x(), t.y(), t.z()));
-  }
+  for (Pose const& pose : s.poses) poses.push_back(bulletPose(pose));
   btVoronoiSimplexSolver simplex;
   btGjkEpaPenetrationDepthSolver depth;
   btVector3 axis(0.0, 1.0, 0.0);

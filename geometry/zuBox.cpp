@@ -26,7 +26,8 @@ ZuVector absolute(ZuVector const& v) { return {std::abs(v.x()), std::abs(v.y()),
 
 bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
 
-double clampedTo(double extent, double x) { return x < -extent ? -extent : x > extent ? extent : x; }
+/// Without a branch: which way it goes is as good as random.
+double clampedTo(double extent, double x) { return std::max(-extent, std::min(x, extent)); }
 
 /// Least boxes: three variables turn the axes.
 struct BoxRule {
@@ -440,11 +441,11 @@ double ZuBox::distanceTo(ZuBox const& other, ZuCoordinateSystemTransformation co
 }
 
 double ZuBox::distanceSquaredTo(ZuVector const& point, ZuVector& closest) const {
-  ZuVector local = toLocal(point);
-  double squared;
-  closeCase(local, ZuVector(), 0.0, squared);
-  closest = fromLocal(local);
-  return squared;
+  ZuVector const local = toLocal(point);
+  ZuVector const& e = m_Extents;
+  ZuVector const nearest(clampedTo(e.x(), local.x()), clampedTo(e.y(), local.y()), clampedTo(e.z(), local.z()));
+  closest = fromLocal(nearest);
+  return nearest.distanceSquaredTo(local);
 }
 
 double ZuBox::distanceSquaredTo(ZuLineSegment const& segment, ZuReal& t, ZuVector& closest) const {

@@ -17,6 +17,9 @@ constexpr double theRounding = 16.0 * 0x1p-52;
 /// taken along it, which keeps its direction however short it is.
 constexpr double theWellConditioned = 1e-6;
 
+/// Guesses at the nearest corners: with more, few more pairs are settled than what the guesses cost.
+constexpr unsigned int theGuesses = 2;
+
 /// The corners of a box in the frame of another: bit j of the number of a corner is the sign along axis j.
 struct Corners {
   static constexpr unsigned int theCount = 8;
@@ -54,7 +57,7 @@ ZuVector cornerOf(double const (&extents)[3], unsigned int k) {
           Corners::theSigns[2][k] * extents[2]};
 }
 
-double clamped(double x, double extent) { return x < -extent ? -extent : x > extent ? extent : x; }
+double clamped(double x, double extent) { return std::max(-extent, std::min(x, extent)); }
 
 ZuVector clamped(ZuVector const& p, double const (&extents)[3]) {
   return {clamped(p.x(), extents[0]), clamped(p.y(), extents[1]), clamped(p.z(), extents[2])};
@@ -106,6 +109,8 @@ ZuBoxPair::ZuBoxPair(ZuPlainBox const& box1, ZuPlainBox const& box2)
       m_AbsR[i][j] = std::abs(m_R[i][j]);
     }
   }
+  double const size = m_A[0] + m_A[1] + m_A[2] + m_B[0] + m_B[1] + m_B[2];
+  m_Rounding = theRounding * (size + std::abs(m_C[0]) + std::abs(m_C[1]) + std::abs(m_C[2]));
 }
 
 double ZuBoxPair::overlapOnAxisOf1(unsigned int i) const {
@@ -153,11 +158,39 @@ bool ZuBoxPair::touches() const {
   return true;
 }
 
-/// What sums over the pair may be off by, m.
-double ZuBoxPair::rounding() const {
-  double size = 0.0;
-  for (unsigned int i = 0; i < 3; ++i) size += m_A[i] + m_B[i] + std::abs(m_C[i]);
-  return theRounding * size;
+/// From the corner of box 2 that comes first in the direction from box 1 to box 2.
+ZuBoxPair::Way ZuBoxPair::fromCornerOf2(ZuVector const& towards2) const {
+  double const s0 = std::copysign(m_B[0], projectionOn2(towards2, 0));
+  double const s1 = std::copysign(m_B[1], projectionOn2(towards2, 1));
+  double const s2 = std::copysign(m_B[2], projectionOn2(towards2, 2));
+  ZuVector const corner = ZuVector(m_C[0], m_C[1], m_C[2]) - column(0) * s0 - column(1) * s1 - column(2) * s2;
+  ZuVector const nearest = clamped(corner, m_A);
+  ZuVector const gap = corner - nearest;
+  return {nearest, gap, gap.magSquared()};
+}
+
+/// The same for the last corner of box 1.
+ZuBoxPair::Way ZuBoxPair::fromCornerOf1(ZuVector const& towards2) const {
+  ZuVector const corner(std::copysign(m_A[0], towards2.x()), std::copysign(m_A[1], towards2.y()),
+                        std::copysign(m_A[2], towards2.z()));
+  ZuVector const w = corner - ZuVector(m_C[0], m_C[1], m_C[2]);
+  ZuVector const inBox2(projectionOn2(w, 0), projectionOn2(w, 1), projectionOn2(w, 2));
+  ZuVector const gap = clamped(inBox2, m_B) - inBox2;
+  return {corner, column(0) * gap.x() + column(1) * gap.y() + column(2) * gap.z(), gap.magSquared()};
+}
+
+/// Follows the directions in which the boxes see each other's corners: most pairs are settled by it.
+/// @return whether the way is the shortest; it need not be one of the two boxes otherwise
+bool ZuBoxPair::guess(Way& best) const {
+  ZuVector const center(m_C[0], m_C[1], m_C[2]);
+  best.gap = center - clamped(center, m_A);
+  for (unsigned int step = 0; step < theGuesses; ++step) {
+    Way const way2 = fromCornerOf2(best.gap);
+    Way const way1 = fromCornerOf1(best.gap);
+    best = way2.squared < way1.squared ? way2 : way1;
+    if (best.squared == 0.0 || isShortest(best)) return true;
+  }
+  return false;
 }
 
 ZuBoxPair::Way ZuBoxPair::fromCornersOf2() const {
@@ -188,23 +221,20 @@ ZuBoxPair::Way ZuBoxPair::fromCornersOf1() const {
 /// Two edges whose inner points are nearest have the direction of their product as a separating one, and their distance
 /// is the gap along it. No gap is more than the distance, so only the widest of the nine can be it.
 void ZuBoxPair::considerEdges(Way& best) const {
-  double const noise = rounding();
-  double widest = 0.0;
-  unsigned int axis1 = 0;
-  unsigned int axis2 = 0;
+  double widest = 0.0;  // a gap on a product as it is, and the squared length of that
+  double length = 1.0;
+  unsigned int pair = 0;
   for (unsigned int i = 0; i < 3; ++i) {
     for (unsigned int j = 0; j < 3; ++j) {
-      double const gap = -productOverlap(i, j) - noise;
-      if (!(gap > 0.0)) continue;
-      double const squared = gap * gap / product(i, j).magSquared();
-      if (squared > widest) {
-        widest = squared;
-        axis1 = i;
-        axis2 = j;
-      }
+      double const gap = -productOverlap(i, j) - m_Rounding;
+      double const squared = squaredSine(i, j);
+      bool const isWider = gap > 0.0 && gap * gap * length > widest * widest * squared;
+      widest = isWider ? gap : widest;
+      length = isWider ? squared : length;
+      pair = isWider ? 3 * i + j : pair;
     }
   }
-  if (widest > 0.0) considerEdgePair(axis1, axis2, best);
+  if (widest > 0.0) considerEdgePair(pair / 3 % 3, pair % 3, best);
 }
 
 void ZuBoxPair::considerEdgePair(unsigned int i, unsigned int j, Way& best) const {
@@ -223,11 +253,11 @@ void ZuBoxPair::considerEdgePair(unsigned int i, unsigned int j, Way& best) cons
   ZuVector const u = column(j);
   ZuVector const w = center + column(j1) * std::copysign(m_B[j1], -sign * m_R[i][j2]) +
                      column(j2) * std::copysign(m_B[j2], sign * m_R[i][j1]) - start;
-  double const squaredSine = n.magSquared();
-  double const s = sign * w.dot(u.cross(n)) / squaredSine;
-  double const t = sign * w.dot(along.cross(n)) / squaredSine;
+  double const squared = squaredSine(i, j);
+  double const s = sign * w.dot(u.cross(n)) / squared;
+  double const t = sign * w.dot(along.cross(n)) / squared;
   if (!(std::abs(s) <= m_A[i] && std::abs(t) <= m_B[j])) return;
-  ZuVector const gap = squaredSine > theWellConditioned ? n * (w.dot(n) / squaredSine) : w + u * t - along * s;
+  ZuVector const gap = squared > theWellConditioned ? n * (w.dot(n) / squared) : w + u * t - along * s;
   if (gap.magSquared() < best.squared) best = {start + along * s, gap, gap.magSquared()};
 }
 
@@ -260,7 +290,7 @@ bool ZuBoxPair::isShortest(Way const& way) const {
   double gap = m_C[0] * v.x() + m_C[1] * v.y() + m_C[2] * v.z();
   gap -= m_A[0] * std::abs(v.x()) + m_A[1] * std::abs(v.y()) + m_A[2] * std::abs(v.z());
   for (unsigned int j = 0; j < 3; ++j) gap -= m_B[j] * std::abs(projectionOn2(v, j));
-  return gap >= way.squared - rounding() * std::sqrt(way.squared);
+  return gap >= way.squared - m_Rounding * std::sqrt(way.squared);
 }
 
 /// Of two boxes that are apart, the nearest points include a corner of one of them, or are inner points of two edges
@@ -268,12 +298,14 @@ bool ZuBoxPair::isShortest(Way const& way) const {
 /// parallel to a face, where a sign is one of rounding. So the result is checked, and in the few cases where it fails
 /// all pairs of edges are tried.
 ZuBoxPair::Way ZuBoxPair::shortestWay() const {
-  Way best = fromCornersOf2();
-  Way const other = fromCornersOf1();
-  if (other.squared < best.squared) best = other;
-  if (best.squared == 0.0) return best;
+  Way best{};
+  if (guess(best)) return best;
   considerEdges(best);
   if (isShortest(best)) return best;
+  for (Way const& way : {fromCornersOf1(), fromCornersOf2()}) {
+    if (way.squared < best.squared) best = way;
+  }
+  if (best.squared == 0.0 || isShortest(best)) return best;
   if (touches()) return {best.start, ZuVector(), 0.0};
   considerAllEdges(best);
   return best;
@@ -291,7 +323,7 @@ ZuBoxPair::Depth ZuBoxPair::depth() const {
   }
   ZuVector const center(m_C[0], m_C[1], m_C[2]);
   auto const towards2 = [&center](ZuVector const& v) { return v.dot(center) < 0.0 ? -v : v; };
-  double const noise = rounding();  // an axis of a box is the better one of equals: it is exact
+  double const noise = m_Rounding;  // an axis of a box is the better one of equals: it is exact
   for (unsigned int j = 0; j < 3; ++j) {
     double const overlap = overlapOnAxisOf2(j);
     if (overlap < least.overlap - noise) least = {overlap, towards2(column(j))};
@@ -323,7 +355,7 @@ ZuSeparation ZuBoxPair::separation() const {
   // Moved out by the depth the two touch; moved on in the same direction, they still have the same nearest points, and
   // those are well defined.
   double const overlap = std::max(depth.overlap, 0.0);
-  double const clearance = rounding() > 0.0 ? rounding() / theRounding : 1.0;
+  double const clearance = m_Rounding > 0.0 ? m_Rounding / theRounding : 1.0;
   ZuBoxPair moved(*this);
   for (unsigned int i = 0; i < 3; ++i) moved.m_C[i] += (overlap + clearance) * depth.direction[i];
   Way const way = moved.shortestWay();

@@ -40,7 +40,8 @@ class ZuBoxPair {
  public:
   ZuBoxPair(ZuPlainBox const& box1, ZuPlainBox const& box2);
 
-  /// Whether no axis separates the two, of the six of the boxes and the nine products of one of each: touching counts.
+  /// Whether no axis separates the two, of the six of the boxes and the nine products of one of each (Gottschalk et al.
+  /// 1996): touching counts.
   /// What a product of nearly parallel axes says is rounding when they are parallel within it; it only counts when the
   /// boxes projected on its direction are apart.
   bool touches() const;
@@ -63,8 +64,11 @@ class ZuBoxPair {
   };
 
   Way shortestWay() const;
-  Way fromCornersOf2() const;
+  bool guess(Way& best) const;
+  Way fromCornerOf1(ZuVector const& towards2) const;
+  Way fromCornerOf2(ZuVector const& towards2) const;
   Way fromCornersOf1() const;
+  Way fromCornersOf2() const;
   void considerEdges(Way& best) const;
   void considerEdgePair(unsigned int i, unsigned int j, Way& best) const;
   void considerAllEdges(Way& best) const;
@@ -73,9 +77,11 @@ class ZuBoxPair {
   double overlapAlong(ZuVector const& unit) const;
   ZuVector product(unsigned int i, unsigned int j) const;
   double productOverlap(unsigned int i, unsigned int j) const;
+  double squaredSine(unsigned int i, unsigned int j) const {
+    return m_R[(i + 1) % 3][j] * m_R[(i + 1) % 3][j] + m_R[(i + 2) % 3][j] * m_R[(i + 2) % 3][j];
+  }
   double overlapOnAxisOf1(unsigned int i) const;
   double overlapOnAxisOf2(unsigned int j) const;
-  double rounding() const;
   ZuVector column(unsigned int j) const { return {m_R[0][j], m_R[1][j], m_R[2][j]}; }
   double projectionOn2(ZuVector const& v, unsigned int j) const {
     return v.x() * m_R[0][j] + v.y() * m_R[1][j] + v.z() * m_R[2][j];
@@ -89,4 +95,5 @@ class ZuBoxPair {
   double m_C[3];       ///< centre of box 2 in the frame of box 1
   double m_R[3][3];    ///< m_R[i][j]: axis i of box 1 times axis j of box 2
   double m_AbsR[3][3];
+  double m_Rounding;  ///< what sums over the pair may be off by, m
 };

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
 #include <vector>
 
 #include "geometry/zuAxisAlignedBoundingBox.h"
@@ -11,15 +9,10 @@
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuRectangle.h"
-#include "geometry/zuShapePointEvent.h"
-#include "geometry/zuSphere.h"
 #include "geometry/zuTetrahedron.h"
 #include "tests/convexOracle.h"
-#include "tests/extentChecks.h"
 #include "tests/objReader.h"
-#include "tests/proximityFixture.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/solidChecks.h"
 
 namespace {
 
@@ -55,8 +48,7 @@ class Box : public ProximityTest {};
 }  // namespace
 
 TEST_F(Box, DistancesToPointsSegmentsAndLinesAreThoseOfTheLeast) {
-  RandomValues random(51);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(51);
   int hits = 0;
   for (int i = 0; i < 3000; ++i) {
     ZuBox const box = randomBox(random);
@@ -94,8 +86,7 @@ TEST_F(Box, DistancesToPointsSegmentsAndLinesAreThoseOfTheLeast) {
 }
 
 TEST_F(Box, DistancesToBoxesAndFlatFiguresAreThoseOfTheirCorners) {
-  RandomValues random(52);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(52);
   int overlapping = 0;
   for (int i = 0; i < 3000; ++i) {
     ZuBox const a = randomBox(random), b = randomBox(random);
@@ -117,8 +108,7 @@ TEST_F(Box, DistancesToBoxesAndFlatFiguresAreThoseOfTheirCorners) {
 }
 
 TEST_F(Box, TetrahedraAreAnsweredByTheirFaces) {
-  RandomValues random(57);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(57);
   for (int i = 0; i < 300; ++i) {
     ZuBox const box = randomBox(random);
     double const size = random.scale(0.1, 5.0);
@@ -143,8 +133,8 @@ TEST_F(Box, CrossedAndNearlyParallelBoxesKeepTheirDistance) {
            {Pose({0, 0, 0.7 + gap}, turn), Pose({0.1, 0.05, 0.7 + gap}, tilt), Pose({0, 0, 0.7 + gap}, tilt * turn)}) {
         // Faces and crossing edges are nearest: the distance is the widest gap along a normal.
         double const expected = -oracle::depth(oracle::placed(cornersOf(a), {}), oracle::placed(cornersOf(plank), x));
-        EXPECT_NEAR(a.distanceTo(plank, x), std::max(expected, 0.0), 2e-15) << gap << ' ' << angle;
-        EXPECT_TRUE(a.checkIntersect(plank, x) == (expected < 0.0) || std::abs(expected) < 2e-15)
+        EXPECT_NEAR(a.distanceTo(plank, x), std::max(expected, 0.0), 4e-15) << gap << ' ' << angle;
+        EXPECT_TRUE(a.checkIntersect(plank, x) == (expected < 0.0) || std::abs(expected) < 4e-15)
             << gap << ' ' << angle;
       }
       // Deep within each other they touch, whatever rounding says of products of nearly parallel axes.
@@ -154,8 +144,7 @@ TEST_F(Box, CrossedAndNearlyParallelBoxesKeepTheirDistance) {
 }
 
 TEST_F(Box, DepthsAndWitnessPointsAreExact) {
-  RandomValues random(54);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(54);
   int overlapping = 0;
   for (int i = 0; i < 2000; ++i) {
     ZuBox const a = randomBox(random), b = randomBox(random);
@@ -211,8 +200,7 @@ TEST_F(Box, ContactsTakeSpheresAndCapsulesAsTheyStandAndRefuseBoxes) {
   PrintSink sink;
   EXPECT_FALSE(touch(box, box, {}));
   EXPECT_EQ(distance(box, box, Pose(ZuVector(2, 0, 0))) + distance(box, box, Pose(ZuVector(0, 5, 0))), 3.0);
-  EXPECT_EQ(sink.take(),
-            std::vector<std::string>{"ZuBox::checkIntersect-->Distance from shapeID (7) to shapeID (7) not supported"});
+  EXPECT_EQ(sink.take(), Messages{"ZuBox::checkIntersect-->Distance from shapeID (7) to shapeID (7) not supported"});
 }
 
 TEST_F(Box, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
@@ -227,12 +215,11 @@ TEST_F(Box, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
     PrintSink sink;
     EXPECT_FALSE(distance(box, other, {}) != 0.0 || touch(box, other, {}));
     std::string const pair = " from shapeID (7) to shapeID (" + std::to_string(type) + ") not supported";
-    EXPECT_EQ(sink.take(), (std::vector<std::string>{"ZuBox::distanceTo-->Check" + pair,
-                                                     "ZuBox::checkIntersect-->Distance" + pair}));
+    EXPECT_EQ(sink.take(), (Messages{"ZuBox::distanceTo-->Check" + pair, "ZuBox::checkIntersect-->Distance" + pair}));
   }
   PrintSink sink;
   box.fitFromShape(ZuSphere());
-  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuBox::fitFromShape-->shape conversion not supported"});
+  EXPECT_EQ(sink.take(), Messages{"ZuBox::fitFromShape-->shape conversion not supported"});
   box.setAxes(ZuXmlVectorVector({{1, 0, 0}, {0, 1, 0}}));
   box.setAxes(ZuXmlVectorVector({{1, 0, 0}, {0, 1, 0}, {0, 0, -1}}));
   box = ZuAxisAlignedBoundingBox(1, 0, 0, 1, 0, 1);
@@ -241,8 +228,7 @@ TEST_F(Box, PairsThatItDoesNotAnswerPrintBothTypesAndAreNeutral) {
 }
 
 TEST_F(Box, SegmentsAreCutWhereTheyEnterAndLeave) {
-  RandomValues random(55);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(55);
   for (int i = 0; i < 2000; ++i) {
     ZuBox const box = randomBox(random);
     ZuLineSegment const s(random.vector(2.0), i % 3 == 0 ? box.center() : random.vector(2.0));
@@ -317,26 +303,19 @@ TEST_F(Box, FitsRecoverABoxAndTakeDegenerateSets) {
 }
 
 TEST_F(Box, FrameAxesExtentAndMotionAgree) {
-  RandomValues random(56);
+  TracedValues random(56);
   for (int i = 0; i < 50; ++i) {
     ZuBox const box = randomBox(random);
-    Pose const x = random.transformation();
-    double const factor = random.real(-3.0, 3.0);
-    ZuBox moved = box, scaled = box, byAxes;
-    moved.transformBy(x);
-    scaled.scaleBy(factor);
+    checkMovesAndScales(box, random);
+    ZuBox byAxes;
     byAxes.setExtents(box.extents());
     byAxes.setCenter(box.center());
     byAxes.setAxes(box.axes());
     ZuVector const p = random.vector(3.0), direction = random.vector();
     EXPECT_NEAR(byAxes.distanceTo(p), box.distanceTo(p), 1e-14);
-    EXPECT_NEAR(moved.distanceTo(x * p), box.distanceTo(p), 1e-14);
-    EXPECT_NEAR(scaled.distanceTo(factor * p), std::abs(factor) * box.distanceTo(p), 1e-13);
-    EXPECT_NEAR(scaled.volume(), std::abs(factor * factor * factor) * box.volume(), 1e-12);
-    box.physicalExtent().init();
-    EXPECT_EQ(box.supportPoint(direction), box.computeSupportPoint(direction));
-    EXPECT_NEAR(box.supportPoint(direction).dot(direction), box.physicalExtent().supportPoint(direction).dot(direction),
-                1e-14);
+    double farthest = -HUGE_VAL;
+    for (ZuVector const& corner : cornersOf(box)) farthest = std::max(farthest, corner.dot(direction));
+    EXPECT_NEAR(box.supportPoint(direction).dot(direction), farthest, 1e-14);
     if (box.volume() == 0.0) continue;
     EXPECT_TRUE(facetsCloseAndAreConvex(box.physicalExtent()));
     EXPECT_NEAR(extentVolume(box.physicalExtent()), box.volume(), 1e-13);
