@@ -8,6 +8,7 @@
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuBoxPairPrivate.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTokens.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuLozenge.h"
@@ -162,6 +163,15 @@ double ZuBox::leastFaceDistance(Solid const& solid, ZuCoordinateSystemTransforma
   return least;
 }
 
+bool ZuBox::touches(ZuEllipsoid const& ellipsoid, ZuCoordinateSystemTransformation const& xform) const {
+  if (checkIntersect(xform * ellipsoid.center())) return true;
+  ZuCoordinateSystemTransformation const inverse = xform.inverse();
+  for (unsigned int k = 0; k < 6; ++k) {
+    if (ellipsoid.checkIntersect(inverse * faceRectangle(k))) return true;
+  }
+  return false;
+}
+
 bool ZuBox::touches(ZuTetrahedron const& tetrahedron, ZuCoordinateSystemTransformation const& xform) const {
   for (ZuVector const& v : {tetrahedron.v0(), tetrahedron.v1(), tetrahedron.v2(), tetrahedron.v3()}) {
     if (checkIntersect(xform * v)) return true;
@@ -216,6 +226,9 @@ double ZuBox::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformation 
       ZuBox const& box = as<ZuBox>(other);
       return checkIntersect(box, xform) ? 0.0 : distanceTo(box, xform);
     }
+    case ELLIPSOID:
+      if (checkIntersect(other, xform, descriptor, state, nullptr)) return 0.0;
+      return leastFaceDistance(as<ZuEllipsoid>(other), xform);
     case TETRAHEDRON:
       if (checkIntersect(other, xform, descriptor, state, nullptr)) return 0.0;
       return leastFaceDistance(as<ZuTetrahedron>(other), xform);
@@ -257,6 +270,8 @@ bool ZuBox::checkIntersect(ZuShape const& other, ZuCoordinateSystemTransformatio
       ZuCapsule const& capsule = as<ZuCapsule>(other);
       return report(distanceTo(capsule.lineSegment()) - capsule.radius() <= 0.0, descriptor, pairs);
     }
+    case ELLIPSOID:
+      return report(touches(as<ZuEllipsoid>(other), xform), descriptor, pairs);
     case TETRAHEDRON:
       return report(touches(as<ZuTetrahedron>(other), xform), descriptor, pairs);
     case LOZENGE: {

@@ -7,6 +7,7 @@
 #include "foundation/zuXmlVector.h"
 #include "geometry/zuShape.h"
 
+class ZuEllipsoid;
 class ZuGeomTriangle;
 class ZuRectangle;
 class ZuTetrahedron;
@@ -26,10 +27,11 @@ struct ZuPlainBox;
 /// | 0, 1, 2 mesh    | engine                          | engine                  | engine      |
 /// | 3 sphere        | exact; centre inside: - radius  | exact, **as it stands** | exact       |
 /// | 4 capsule       | exact; core inside: - radius    | exact, **as it stands** | exact       |
+/// | 5 ellipsoid     | exact, 0 when they overlap      | exact                   | engine      |
 /// | 6 tetrahedron   | exact, 0 when they overlap      | exact                   | engine      |
 /// | 7 box           | exact, 0 when they overlap      | not answered            | exact       |
 /// | 8 lozenge       | exact, 0 when they overlap      | exact                   | exact       |
-/// | 5, 9 to 14      | not answered                    | not answered            | engine      |
+/// | 9 to 14         | not answered                    | not answered            | engine      |
 ///
 /// Witness points are the engine's for every shape.
 ///
@@ -181,6 +183,7 @@ class ZU_API ZuBox : public ZuXmlClass<ZuBox, ZuShape> {
   ZuRectangle faceRectangle(unsigned int k) const;
   template <class Solid>
   double leastFaceDistance(Solid const& solid, ZuCoordinateSystemTransformation const& xform) const;
+  bool touches(ZuEllipsoid const& ellipsoid, ZuCoordinateSystemTransformation const& xform) const;
   bool touches(ZuTetrahedron const& tetrahedron, ZuCoordinateSystemTransformation const& xform) const;
 
   ZuXmlVector m_Extents;

@@ -6,6 +6,7 @@
 
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuRectangle.h"
@@ -107,7 +108,7 @@ TEST_F(Box, DistancesToBoxesAndFlatFiguresAreThoseOfTheirCorners) {
   EXPECT_TRUE(overlapping > 500 && overlapping < 2500) << overlapping;
 }
 
-TEST_F(Box, TetrahedraAreAnsweredByTheirFaces) {
+TEST_F(Box, EllipsoidsAndTetrahedraAreAnsweredByTheFaces) {
   TracedValues random(57);
   for (int i = 0; i < 300; ++i) {
     ZuBox const box = randomBox(random);
@@ -118,7 +119,21 @@ TEST_F(Box, TetrahedraAreAnsweredByTheirFaces) {
     double const expected = oracle::distance(oracle::placed(v, x), oracle::placed(cornersOf(box), {}));
     EXPECT_NEAR(distance(box, t, x), expected, 1e-12);
     EXPECT_EQ(touch(box, t, x), expected < 1e-15);
+    // An ellipsoid of revolution holds the ball within it and is held by the ball around it; as a ball it is one.
+    Pose const at(v[0]);
+    ZuEllipsoid const ball(at, ZuVector(0.4, 0.4, 0.4)), disc(at, ZuVector(0.4, 0.4, 0.1));
+    double const toCenter = box.distanceTo(x * v[0]);
+    EXPECT_NEAR(distance(box, ball, x), std::max(toCenter - 0.4, 0.0), 1e-12);
+    EXPECT_EQ(touch(box, ball, x), toCenter <= 0.4);
+    double const toDisc = distance(box, disc, x);
+    EXPECT_TRUE(toDisc >= std::max(toCenter - 0.4, 0.0) - 1e-12 && toDisc <= std::max(toCenter - 0.1, 0.0) + 1e-12);
+    EXPECT_EQ(touch(box, disc, x), toDisc == 0.0);
   }
+  // Along an axis: from the face to the tip.
+  ZuEllipsoid const tip(Pose(), ZuVector(0.1, 0.2, 0.3));
+  ZuBox const box(Pose(), ZuVector(1, 1, 1));
+  EXPECT_NEAR(distance(box, tip, Pose(ZuVector(0.5, 0.5, 2.0))), 0.7, 1e-14);
+  EXPECT_EQ(distance(box, tip, {}), 0.0);
 }
 
 TEST_F(Box, CrossedAndNearlyParallelBoxesKeepTheirDistance) {
