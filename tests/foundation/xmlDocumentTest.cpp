@@ -188,10 +188,9 @@ TEST(XmlDocument, IsNotWrittenWhenItCouldNotBeRead) {
 
 TEST(XmlDocument, TellsWhatItHeld) {
   Node node = Node::testObject();
-  EXPECT_FALSE(node.specified());
-  ASSERT_TRUE(node.readFromBuffer("<node name='n'/>"));
-  EXPECT_TRUE(node.specified() && node.name.specified() && !node.weight.specified());
-  EXPECT_TRUE(node.inner.empty() && !node.equalsDefault());
+  ASSERT_TRUE(!node.specified() && node.readFromBuffer("<node name='n'/>"));
+  EXPECT_TRUE(node.specified() && node.name.specified() && !node.weight.specified() && node.inner.empty());
+  EXPECT_FALSE(node.equalsDefault());
   ASSERT_TRUE(node.readFromBuffer("<node><weight>0</weight></node>"));
   EXPECT_TRUE(!node.name.specified() && node.weight.specified() && node.equalsDefault());
   ZuXmlBaseVariableCompoundType container = zoo();
@@ -201,15 +200,14 @@ TEST(XmlDocument, TellsWhatItHeld) {
 
 TEST(XmlCompoundType, KnowsItsComponents) {
   Node node;
-  EXPECT_TRUE(node.hasChildren() && node.hasAttributes() && node.isReadOnlyComponent("unit") &&
-              node.isReadOnlyAttribute("kind"));
-  EXPECT_FALSE(node.isReadOnlyComponent("weight") || node.isReadOnlyComponent("none") ||
-               node.isReadOnlyAttribute("name"));
+  EXPECT_TRUE(node.hasChildren() && node.isReadOnlyComponent("unit") && node.isReadOnlyAttribute("kind"));
+  for (char const* const other : {"weight", "name", "none"})
+    EXPECT_FALSE(node.isReadOnlyComponent(other) || node.isReadOnlyAttribute(other));
   node.createComponentMap();
   node.createAttributeComponentMap();
   EXPECT_EQ(node.componentMap().components().size() + node.attributeComponentMap().components().size(), 4U);
   ZuXmlPairType<Real, Real> const plain;
-  EXPECT_TRUE(!plain.hasAttributes() && plain.specialDescriptorMap().empty());
+  EXPECT_TRUE(node.hasAttributes() && !plain.hasAttributes() && plain.specialDescriptorMap().empty());
 }
 
 TEST(XmlCompoundType, BuildsItsTablesOnFirstUseOrByXmlInitAndNeverCopiesThem) {

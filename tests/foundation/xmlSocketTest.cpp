@@ -1,8 +1,5 @@
 // Documents over TCP, with honest peers and others.
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
+#include <boost/asio/ip/tcp.hpp>
 #include <thread>
 
 #include "foundation/zuTcpSocket.h"
@@ -11,27 +8,10 @@
 
 namespace {
 
-/// A peer that knows nothing of messages.
-class RawPeer {
- public:
-  explicit RawPeer(std::uint16_t port) : m_Socket(::socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(::connect(m_Socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-  }
-  ~RawPeer() { ::close(m_Socket); }
-  RawPeer(RawPeer const&) = delete;
-  RawPeer& operator=(RawPeer const&) = delete;
-  void send(std::string const& bytes) const {
-    EXPECT_EQ(::send(m_Socket, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-  }
-  void stopSending() const { ::shutdown(m_Socket, SHUT_WR); }
+using boost::asio::ip::tcp;
 
- private:
-  int m_Socket;
-};
+/// A peer that knows nothing of messages.
+tcp::iostream rawPeer(ZuTcpSocket const& server) { return tcp::iostream("127.0.0.1", std::to_string(server.port())); }
 
 constexpr unsigned int theShortTime = 50;  // ms; long enough for whatever has been sent over loopback to be there
 
@@ -85,10 +65,9 @@ TEST(XmlSocket, SurvivesHostilePeers) {
   ASSERT_TRUE(server.listen(0));
   server.setTimeout(theShortTime);
   for (auto const& [bytes, closes, message] : theCases) {
-    RawPeer peer(server.port());
-    ASSERT_TRUE(server.accept());
-    peer.send(bytes);
-    if (closes) peer.stopSending();
+    tcp::iostream peer = rawPeer(server);
+    ASSERT_TRUE(server.accept() && peer << bytes << std::flush);
+    if (closes) peer.socket().shutdown(tcp::socket::shutdown_send);
     Node target = Node::testObject();
     PrintSink sink;
     EXPECT_FALSE(target.readFromTcpSocket(&server));
@@ -103,7 +82,7 @@ TEST(XmlSocket, WaitsNoLongerThanToldForAPeerThatDoesNotComeOrDoesNotRead) {
   server.setTimeout(theShortTime);
   PrintSink sink;
   EXPECT_FALSE(server.accept());
-  RawPeer peer(server.port());
+  tcp::iostream const peer = rawPeer(server);
   ASSERT_TRUE(server.accept());
   EXPECT_FALSE(server.send(std::string(std::size_t{64} << 20, ' ')));  // beyond what the system keeps for the peer
   EXPECT_FALSE(server.isConnected() || server.send("more"));

@@ -162,9 +162,8 @@ TEST(XmlFile, ReadsOnlyRegularFilesAndNeverWaits) {
   for (auto const& [file, message] : theCases) {
     PrintSink sink;
     Node target = Node::testObject();
-    EXPECT_FALSE(target.readFromFile(file));
+    EXPECT_FALSE(target.readFromFile(file) || !(target == Node::testObject()));
     EXPECT_TRUE(saysOnce(sink, file + ": " + message));
-    EXPECT_TRUE(target == Node::testObject());
   }
 }
 
@@ -182,8 +181,7 @@ TEST(XmlFile, ReplacesTheOldOneAsAWholeOrNotAtAll) {
   EXPECT_TRUE(Node().writeToFile("/dev/null", "node") && Node().writeToFile(folder.file("link"), "node"));
   EXPECT_TRUE(files::is_symlink(folder.file("link")) && files::is_character_file("/dev/null"));
   EXPECT_EQ(files::status(file).permissions(), files::perms(0640));
-  EXPECT_TRUE(Node().readFromFile(file));
-  EXPECT_EQ(folder.count(), 2U);
+  EXPECT_TRUE(Node().readFromFile(file) && folder.count() == 2U);
 }
 
 TEST(XmlStream, ReadsToTheEndAndRefusesAStreamThatFailed) {

@@ -17,6 +17,7 @@
 #include "foundation/zuXmlVectorVector.h"
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuBox.h"
+#include "geometry/zuBoxTree.h"
 #include "geometry/zuBrick.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCircle.h"
@@ -29,6 +30,7 @@
 #include "geometry/zuGeomTriangle.h"
 #include "geometry/zuGeometryOverwriteDescriptor.h"
 #include "geometry/zuHalfSpace.h"
+#include "geometry/zuIntervalIntersectionProcessor.h"
 #include "geometry/zuLine.h"
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuLozenge.h"
@@ -68,13 +70,16 @@ using OwningClasses =
                ZuXmlBaseVariableCompoundType, ZuPolygon, ZuPolygonWithKey, ZuCapsule, ZuBox, ZuEllipsoid, ZuHalfSpace,
                ZuLozenge, ZuTetrahedron, ZuCylinder, ZuCone, ZuFacetGroups, ZuBrick>;
 
+/// Classes whose documents hold nothing.
+using TransientClasses = std::tuple<ZuBBTreeHeuristic, ZuBoxTreeNode, ZuIntervalIntersectionProcessor>;
+
 template <class Tuple>
 struct TypesOf;
 template <class... A>
 struct TypesOf<std::tuple<A...>> {
   using type = testing::Types<A...>;
 };
-using AllClasses = decltype(std::tuple_cat(std::declval<ValueClasses>(), std::declval<OwningClasses>()));
+using PersistentClasses = decltype(std::tuple_cat(std::declval<ValueClasses>(), std::declval<OwningClasses>()));
 
 template <class T>
 class ValueClass : public testing::Test {};
@@ -82,7 +87,12 @@ TYPED_TEST_SUITE(ValueClass, TypesOf<ValueClasses>::type);
 
 template <class T>
 class Persistence : public testing::Test {};
-TYPED_TEST_SUITE(Persistence, TypesOf<AllClasses>::type);
+TYPED_TEST_SUITE(Persistence, TypesOf<PersistentClasses>::type);
+
+template <class T>
+class Copies : public testing::Test {};
+using AllClasses = decltype(std::tuple_cat(std::declval<PersistentClasses>(), std::declval<TransientClasses>()));
+TYPED_TEST_SUITE(Copies, TypesOf<AllClasses>::type);
 
 /// Values stay small: components and one pointer to tables that only XML needs (in 64-bit builds).
 static_assert(sizeof(void*) != 8 || (sizeof(ZuXmlVector) <= 40 && sizeof(ZuSphere) <= 512));
@@ -104,7 +114,7 @@ TYPED_TEST(ValueClass, NeverAllocatesUntilXmlIsUsed) {
   EXPECT_EQ(counter.count(), 0U);
 }
 
-TYPED_TEST(Persistence, CopiesAreEqualAndOtherValuesAreNot) {
+TYPED_TEST(Copies, AreEqualAndOtherValuesAreNot) {
   TypeParam const sample = TypeParam::testObject();
   std::unique_ptr<ZuXmlObject> const clone(sample.clone());
   std::unique_ptr<ZuXmlObject> const fresh(sample.newObject());

@@ -1,14 +1,13 @@
 // The program on the scenes that the repository ships, on real robots when they are there, and on bad input.
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <Eigen/Geometry>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <pugixml.hpp>
 #include <set>
 #include <sstream>
@@ -17,6 +16,7 @@
 #include "geometry/zuRobustGjk.h"
 #include "geometry/zuSphere.h"
 #include "tests/sharedFiles.h"
+#include "tests/testValues.h"
 #include "tools/proximityStudy.h"
 #include "tools/scene.h"
 #include "tools/sceneMeshes.h"
@@ -41,6 +41,12 @@ Outcome run(std::string const& command) {
   return outcome;
 }
 
+testing::AssertionResult says(Outcome const& outcome, std::string const& part, int exitCode = 0) {
+  bool const asTold = outcome.exitCode == exitCode && outcome.output.find(part) != std::string::npos;
+  return (asTold ? testing::AssertionSuccess() : testing::AssertionFailure())
+         << part << " in " << outcome.output << "exit code " << outcome.exitCode;
+}
+
 std::string temporary(std::string const& name) { return testing::TempDir() + "zuproximity_" + name; }
 
 std::string written(std::string const& name, std::string const& text) {
@@ -48,99 +54,45 @@ std::string written(std::string const& name, std::string const& text) {
   return temporary(name);
 }
 
-using Triple = std::array<long double, 3>;
+using Wide = Eigen::Matrix<long double, 3, 1>;
 
-Triple triple(char const* text) {
+Wide triple(char const* text) {
   std::istringstream stream(text);
-  Triple v{};
+  Wide v = Wide::Zero();
   stream >> v[0] >> v[1] >> v[2];
   return v;
 }
 
-/// An independent reading and computation of a scene of spheres, in extended precision and by rotation matrices.
-class SphereOracle {
- public:
-  explicit SphereOracle(std::string const& fileName) {
-    m_Document.load_file(fileName.c_str());
-    for (pugi::xml_node const body : m_Document.child("scene").children("body")) {
-      m_Bodies.push_back(body);
-      auto& spheres = m_Spheres.emplace_back();
-      for (pugi::xml_node const sphere : body.child("shapes").children("sphere")) {
-        spheres.push_back({triple(sphere.child_value("center")), std::strtold(sphere.child_value("radius"), nullptr)});
-      }
-    }
-    for (pugi::xml_node const pair : m_Document.child("scene").children("ignoredPair")) {
-      m_Ignored.insert({pair.child_value("first"), pair.child_value("second")});
-      m_Ignored.insert({pair.child_value("second"), pair.child_value("first")});
-    }
-  }
-
-  long double closest(std::size_t cycle) const {
-    std::vector<std::vector<Triple>> centers;
-    for (std::size_t i = 0; i < m_Bodies.size(); ++i) centers.push_back(placed(i, cycle));
-    long double best = 1e300L;
-    for (std::size_t i = 0; i < m_Bodies.size(); ++i) {
-      for (std::size_t j = i + 1; j < m_Bodies.size(); ++j) {
-        if (m_Ignored.count({m_Bodies[i].child_value("name"), m_Bodies[j].child_value("name")}) != 0) continue;
-        for (std::size_t a = 0; a < centers[i].size(); ++a) {
-          for (std::size_t b = 0; b < centers[j].size(); ++b) {
-            long double const d = std::hypot(centers[i][a][0] - centers[j][b][0], centers[i][a][1] - centers[j][b][1],
-                                             centers[i][a][2] - centers[j][b][2]);
-            best = std::min(best, d - m_Spheres[i][a].radius - m_Spheres[j][b].radius);
-          }
-        }
-      }
-    }
-    return best;
-  }
-
- private:
+/// The least distance in a cycle of a scene of spheres, by a reading and a computation of its own.
+long double closestOfSpheres(pugi::xml_node const& scene, std::size_t cycle) {
   struct Ball {
-    Triple center;
+    std::string body;
+    Wide center;
     long double radius;
   };
-
-  std::vector<Triple> placed(std::size_t body, std::size_t cycle) const {
-    pugi::xml_node frame = m_Bodies[body].child("frames").first_child();
+  std::set<std::set<std::string>> ignored;
+  for (pugi::xml_node const pair : scene.children("ignoredPair"))
+    ignored.insert({pair.child_value("first"), pair.child_value("second")});
+  std::vector<Ball> balls;
+  long double best = 1e300L;
+  for (pugi::xml_node const body : scene.children("body")) {
+    pugi::xml_node frame = body.child("frames").first_child();
     for (std::size_t k = 0; k < cycle && frame.next_sibling(); ++k) frame = frame.next_sibling();
-    Triple const t = triple(frame.child_value("translation"));
-    long double w = 1, x = 0, y = 0, z = 0;
-    if (frame) std::istringstream(frame.child_value("orientation")) >> w >> x >> y >> z;
-    long double const n = std::sqrt(w * w + x * x + y * y + z * z);
-    w /= n, x /= n, y /= n, z /= n;
-    long double const r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
-                                 {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
-                                 {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
-    std::vector<Triple> result;
-    for (Ball const& ball : m_Spheres[body]) {
-      Triple p = t;
-      for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) p[i] += r[i][j] * ball.center[j];
-      }
-      result.push_back(p);
+    Eigen::Quaternion<long double> q(1, 0, 0, 0);
+    std::istringstream(frame.child_value("orientation")) >> q.w() >> q.x() >> q.y() >> q.z();
+    q.normalize();
+    std::vector<Ball> placed;
+    for (pugi::xml_node const sphere : body.child("shapes").children("sphere")) {
+      Wide const center = q * triple(sphere.child_value("center")) + triple(frame.child_value("translation"));
+      placed.push_back({body.child_value("name"), center, std::strtold(sphere.child_value("radius"), nullptr)});
     }
-    return result;
-  }
-
-  pugi::xml_document m_Document;
-  std::vector<pugi::xml_node> m_Bodies;
-  std::vector<std::vector<Ball>> m_Spheres;
-  std::set<std::pair<std::string, std::string>> m_Ignored;
-};
-
-void expectAllIntersections(ProximityStudy const& study, Scene const& scene) {
-  std::vector<ZuAxisAlignedBoundingBox> boxes;
-  std::set<std::pair<unsigned int, unsigned int>> expected;
-  for (Body const& body : scene.bodies()) {
-    for (std::size_t k = 0; k < body.shapes().size(); ++k) {
-      auto const j = static_cast<unsigned int>(boxes.size());
-      boxes.push_back(study.broadPhase().getAABB(j));
-      for (unsigned int i = 0; i < j; ++i) {
-        if (boxes[i].testIntersection(boxes[j])) expected.insert({i, j});
-      }
+    for (Ball const& a : balls) {
+      if (ignored.count({a.body, body.child_value("name")}) != 0) continue;
+      for (Ball const& b : placed) best = std::min(best, (a.center - b.center).norm() - a.radius - b.radius);
     }
+    balls.insert(balls.end(), placed.begin(), placed.end());
   }
-  ASSERT_EQ(study.broadPhase().intersections(), expected);
+  return best;
 }
 
 /// A margin hides only what is beyond it.
@@ -152,11 +104,8 @@ void expectSameWithMargin(std::string const& fileName, double margin, double tol
     CycleResult const expected = all.next(), result = narrow.next();
     ASSERT_TRUE(expected.found);
     ASSERT_EQ(result.found, expected.closest.distance <= margin) << "cycle " << cycle;
-    if (result.found) {
-      ASSERT_NEAR(result.closest.distance, expected.closest.distance, tolerance) << "cycle " << cycle;
-    }
+    EXPECT_TRUE(!result.found || std::abs(result.closest.distance - expected.closest.distance) <= tolerance) << cycle;
     ASSERT_LT(result.pairsAsked, expected.pairsAsked);
-    expectAllIntersections(narrow, scene);
   }
   EXPECT_TRUE(all.unanswered().empty());
 }
@@ -164,11 +113,12 @@ void expectSameWithMargin(std::string const& fileName, double margin, double tol
 void expectAgreement(std::string const& fileName) {
   Scene scene;
   ASSERT_TRUE(scene.load(fileName));
-  SphereOracle const oracle(fileName);
+  pugi::xml_document document;
+  ASSERT_TRUE(document.load_file(fileName.c_str()));
   ProximityStudy study(scene, ProximityStudy::m_theNoMargin);
   for (std::size_t cycle = 0; cycle < scene.numberOfCycles(); ++cycle) {
     CycleResult const result = study.next();
-    ASSERT_NEAR(result.closest.distance, static_cast<double>(oracle.closest(cycle)), 1e-12) << "cycle " << cycle;
+    ASSERT_NEAR(result.closest.distance, static_cast<double>(closestOfSpheres(document.child("scene"), cycle)), 1e-12);
     ASSERT_NEAR(result.closest.point1.distanceTo(result.closest.point2), std::abs(result.closest.distance), 1e-12);
   }
 }
@@ -195,8 +145,8 @@ std::string cubeStl() {
   for (char const* const face : {"026", "064", "157", "173", "045", "051", "237", "276", "013", "032", "467", "475"}) {
     text += "facet normal 0 0 0\nouter loop\n";
     for (char const* c = face; *c != 0; ++c) {
-      for (int const axis : {1, 2, 4})
-        text += ((*c - '0') & axis) != 0 ? (axis == 1 ? "vertex 0.2" : " 0.2") : (axis == 1 ? "vertex 0" : " 0");
+      text += "vertex";
+      for (int const axis : {1, 2, 4}) text += ((*c - '0') & axis) != 0 ? " 0.2" : " 0";
       text += '\n';
     }
     text += "endloop\nendfacet\n";
@@ -246,33 +196,26 @@ TEST(Zuproximity, MeshFilesAreTakenAsHullsOrAsTheyAre) {
   // The turn takes x, y, z to -z, -y, -x: the cube fills 1.3 to 1.5 on x and y, 0.4 to 0.6 on z.
   std::string const table = written(
       "meshes.txt", "# body file pose\na zuproximity_notched\n\nb " + cubeStl() + " 1.5 1.5 0.6 0 3 0 -3 # turned\n");
-  struct Case {
-    MeshUse use;
-    std::size_t vertices;
-    double distance;
-  };
-  for (Case const& c : {Case{MeshUse::HULL, 10, -0.4 / std::sqrt(2.0)}, Case{MeshUse::FACES, 12, 0.3}}) {
+  for (MeshUse const use : {MeshUse::HULL, MeshUse::FACES}) {
     Scene scene;
     std::vector<MeshSource> sources;
-    ASSERT_TRUE(scene.load(document) && readMeshTable(table, sources) && addMeshes(scene, sources, c.use));
-    EXPECT_EQ(scene.bodies()[0].numberOfVertices(), c.vertices);
+    ASSERT_TRUE(scene.load(document) && readMeshTable(table, sources) && addMeshes(scene, sources, use));
+    EXPECT_EQ(scene.bodies()[0].numberOfVertices(), use == MeshUse::HULL ? 10U : 12U);
     EXPECT_EQ(scene.bodies()[1].numberOfVertices(), 8U) << "corners are joined";
-    EXPECT_NEAR(ProximityStudy(scene, 1.0).next().closest.distance, c.distance, 1e-7);
+    double const distance = use == MeshUse::HULL ? -0.4 / std::sqrt(2.0) : 0.3;
+    EXPECT_NEAR(ProximityStudy(scene, 1.0).next().closest.distance, distance, 1e-7);
   }
 }
 
 TEST(Zuproximity, TheMeshArmMovesAmongItself) {
   std::string const file = realScene("panda --model spheres --steps 10"), saved = temporary("saved.xml");
   if (file.empty()) GTEST_SKIP() << "no real robots, or no python3";
-  std::string const arm =
-      std::string(ZUPROXIMITY) + " --summary " + file + " --meshes " + sharedFile("data/robots/panda/meshes.txt");
+  std::string const arm = ZUPROXIMITY " --summary " + file + " --meshes " + sharedFile("data/robots/panda/meshes.txt");
   Outcome const outcome = run(arm + " --save " + saved);
-  EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_NE(outcome.output.find("vertices      1204: panda_link0 102, "), std::string::npos) << outcome.output;
-  EXPECT_NE(outcome.output.find("panda_link7[0] - panda_leftfinger[0]  distance 0.0597"), std::string::npos)
-      << outcome.output;
+  EXPECT_TRUE(says(outcome, "vertices      1204: panda_link0 102, "));
+  EXPECT_TRUE(says(outcome, "panda_link7[0] - panda_leftfinger[0]  distance 0.0597"));
   auto const untimed = [](std::string const& text) { return text.substr(0, text.find("time a cycle")); };
-  EXPECT_EQ(untimed(run(std::string(ZUPROXIMITY) + " --summary " + saved).output), untimed(outcome.output));
+  EXPECT_EQ(untimed(run(ZUPROXIMITY " --summary " + saved).output), untimed(outcome.output));
   for (char const* const other : {" --exact-meshes", " --engine default"}) {
     EXPECT_EQ(untimed(run(arm + other).output), untimed(outcome.output)) << other << ": the meshes are nearly convex";
   }
@@ -289,46 +232,30 @@ TEST(Zuproximity, PairsAreAskedInTheOrderThatIsAnsweredAndToldInThatOfTheScene) 
   study.next();
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(study.unanswered(), (std::set<std::string>{"sphere - sphere", "capsule - sphere"}));
-  EXPECT_EQ(result.pairsAsked, 1U);
-  EXPECT_EQ(result.closest.distance, 3.5);
+  EXPECT_TRUE(result.pairsAsked == 1U && result.closest.distance == 3.5);
   EXPECT_TRUE(result.closest.body1 == 0 && result.closest.point1.approxEq({1, 0, 0}, 1e-12));
   EXPECT_TRUE(result.closest.body2 == 1 && result.closest.point2.approxEq({4.5, 0, 0}, 1e-12));
 }
 
-TEST(Zuproximity, ScenesAreWrittenAndReadBack) {
-  EXPECT_TRUE(Scene::testObject().selfTest());
-  EXPECT_TRUE(Body::testObject().selfTest());
-}
-
 TEST(Zuproximity, ReportsEveryCycleAsTextAndAsTable) {
+  EXPECT_TRUE(Scene::testObject().selfTest() && Body::testObject().selfTest()) << "not read back";
   std::string const csv = temporary("out.csv");
-  Outcome const all =
-      run(std::string(ZUPROXIMITY) + " " ZU_EXAMPLES_DIR "/two_arms.xml --cycles 3 --csv " + csv + " 2>&1");
-  EXPECT_EQ(all.exitCode, 0);
-  EXPECT_NE(all.output.find("cycle 2: "), std::string::npos);
-  EXPECT_NE(all.output.find("closest       cycle "), std::string::npos);
+  Outcome const all = run(ZUPROXIMITY " " ZU_EXAMPLES_DIR "/two_arms.xml --cycles 3 --csv " + csv + " 2>&1");
+  EXPECT_TRUE(says(all, "cycle 2: ") && says(all, "closest       cycle "));
   EXPECT_EQ(all.output.find('\r'), std::string::npos) << "no progress bar in a pipe";
   std::ifstream table(csv);
   std::string line;
   std::size_t lines = 0;
-  while (std::getline(table, line)) {
-    EXPECT_EQ(std::count(line.begin(), line.end(), ','), 12) << line;
-    ++lines;
-  }
+  for (; std::getline(table, line); ++lines) EXPECT_EQ(std::count(line.begin(), line.end(), ','), 12) << line;
   EXPECT_EQ(lines, 4U);
-  Outcome const summary =
-      run(std::string(ZUPROXIMITY) + " --summary --margin 0.01 --cycles 1 " ZU_EXAMPLES_DIR "/two_arms.xml");
-  EXPECT_EQ(summary.exitCode, 0);
-  EXPECT_NE(summary.output.find("closest       none within the margin"), std::string::npos) << summary.output;
+  EXPECT_TRUE(says(run(ZUPROXIMITY " --summary --margin 0.01 --cycles 1 " ZU_EXAMPLES_DIR "/two_arms.xml"),
+                   "closest       none within the margin"));
 }
 
 TEST(Zuproximity, BadInputIsOneClearLineAndExitCodeTwo) {
   std::string const body = "<body><name>a</name><shapes><sphere/></shapes></body>";
-  std::map<std::string, std::string> const cases = {
+  std::pair<std::string, char const*> const theCases[] = {
       {"/nonexistent/scene.xml", "No such file"},
-      {written("empty.xml", ""), "no element"},
-      {written("truncated.xml", "<scene>\n<body>"), "line 2"},
-      {written("number.xml", "<scene>\n<body><link>first</link></body></scene>"), "line 2"},
       {written("element.xml", "<scene>\n\n<robot/></scene>"), "line 3"},
       {written("twice.xml", "<scene>" + body + "<body><name>b</name></body></scene>"), "a second link 0"},
       {written("names.xml", "<scene>" + body + "<body><name>a</name><link>1</link></body></scene>"), "named \"a\""},
@@ -356,10 +283,9 @@ TEST(Zuproximity, BadInputIsOneClearLineAndExitCodeTwo) {
       {"--meshes /nonexistent/table", "not there"},
       {"--meshes " + written("table.txt", "# body file\na b.obj 1 2\n"), "line 2"},
       {ZU_EXAMPLES_DIR "/two_arms.xml --csv /nonexistent/out.csv", "/nonexistent/out.csv"}};
-  for (auto const& [arguments, expected] : cases) {
-    Outcome const outcome = run(std::string(ZUPROXIMITY) + " " + arguments + " 2>&1");
-    EXPECT_EQ(outcome.exitCode, 2) << arguments << outcome.output;
+  for (auto const& [arguments, expected] : theCases) {
+    Outcome const outcome = run(ZUPROXIMITY " " + arguments + " 2>&1");
+    EXPECT_TRUE(says(outcome, expected, 2)) << arguments;
     EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1) << outcome.output;
-    EXPECT_NE(outcome.output.find(expected), std::string::npos) << arguments << ": " << outcome.output;
   }
 }

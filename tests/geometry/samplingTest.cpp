@@ -1,12 +1,11 @@
-#include <gtest/gtest.h>
-
+// Even samples of rotations and of directions: the polytopes that they come from, how far apart they are, messages.
 #include <algorithm>
 #include <cmath>
 #include <set>
 
 #include "geometry/zu600cell.h"
-#include "tests/printSink.h"
-#include "tests/randomValues.h"
+#include "geometry/zuTruncatedIcosahedron.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -20,12 +19,30 @@ double angle(ZuOrientation const& p, ZuOrientation const& q) {
   return 2.0 * std::acos(std::min(1.0, std::abs(cosine(p, q))));
 }
 
+double angle(ZuVector const& u, ZuVector const& v) { return u.distanceTo(v); }
+
+/// All samples are farther apart than `spacing`, and nothing that is drawn is as far as `covering` from all of them.
+template <class Sampled, class Draw>
+void expectEven(Sampled& sampled, Draw const& draw, double spacing, double covering) {
+  std::vector<decltype(draw())> samples;
+  for (unsigned int i = 0; i < sampled.totalSampleCount(); ++i) samples.push_back(sampled.sample(i));
+  auto const gap = [&samples](auto const& value, std::size_t count) {
+    double least = 10.0;
+    for (std::size_t j = 0; j < count; ++j) least = std::min(least, angle(value, samples[j]));
+    return least;
+  };
+  double nearest = 10.0, farthest = 0.0;
+  for (std::size_t i = 1; i < samples.size(); ++i) nearest = std::min(nearest, gap(samples[i], i));
+  for (int i = 0; i < 3000; ++i) farthest = std::max(farthest, gap(draw(), samples.size()));
+  EXPECT_GT(nearest, spacing);
+  EXPECT_LT(farthest, covering);
+}
+
 }  // namespace
 
 TEST(Cell600, IsTheRegularPolytope) {
   Zu600Cell const cell;
   EXPECT_TRUE(cell.selfTest());  // each vertex in 12 edges, 30 triangles and 20 cells, each triangle in two cells
-  EXPECT_EQ(120 - 720 + 1200 - 600, 0);
   EXPECT_EQ(cell.vertex(0), ZuOrientation());
   for (unsigned int e = 0; e < 720; ++e)
     ASSERT_NEAR(cosine(cell.edgeVertex(e, 0), cell.edgeVertex(e, 1)), std::cos(36 * theDegree), 1e-15);
@@ -61,15 +78,12 @@ TEST(Cell600, BadIndicesGetTheirMessages) {
             0U);
   int a = 1, b = 1, c = 1;
   EXPECT_FALSE(cell.getNeighborOffsets(7, a, b, c) || a != 0 || b != 0 || c != 0);
-  EXPECT_FALSE(cell.setupForSampling(0));
-  EXPECT_FALSE(cell.setupForSamplingWithIncrement(0.0));
-  EXPECT_FALSE(cell.setupForSamplingWithIncrement(-0.5));
-  EXPECT_FALSE(cell.setupForSampling(441));
-  EXPECT_EQ(cell.totalSampleCount(), 0U);
+  EXPECT_FALSE(cell.setupForSampling(0) || cell.setupForSamplingWithIncrement(0.0) ||
+               cell.setupForSamplingWithIncrement(-0.5) || cell.setupForSampling(441) || cell.totalSampleCount() != 0);
   EXPECT_EQ(cell.sample(0), cell.sample(300));
-  EXPECT_EQ(sink.messages(),
-            (std::vector<std::string>{
-                "Zu600Cell::vertex(): requested invalid vertex: vertex: 120\n",
+  EXPECT_EQ(
+      sink.messages(),
+      (Messages{"Zu600Cell::vertex(): requested invalid vertex: vertex: 120\n",
                 "Zu600Cell::edgeVertexIndex(): requested invalid vertex: edge: 720, vertex: 0\n",
                 "Zu600Cell::triangleVertexIndex(): requested invalid vertex: triangle: 0, vertex: 3\n",
                 "Zu600Cell::triangleEdgeIndex(): requested invalid edge: triangle: 1200, edge: 1\n",
@@ -86,37 +100,23 @@ TEST(Cell600, BadIndicesGetTheirMessages) {
 }
 
 TEST(Cell600, SamplesAreDistinctAndNoRotationIsFarFromOne) {
-  RandomValues random(101);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(101);
   struct Case {
     double increment;
     unsigned int count;
-    double spacing, covering;  // in degrees: of the two nearest samples, of a rotation and its nearest sample
+    double spacing, covering;  // in degrees
   } const cases[] = {{7.0, 1, 30.0, 44.4776}, {0.5, 4, 14.0, 25.0}, {0.4, 4, 14.0, 26.5}, {1.0 / 3.0, 10, 9.4, 18.1}};
   Zu600Cell cell;
   for (Case const& c : cases) {
     ASSERT_TRUE(cell.setupForSamplingWithIncrement(c.increment));
     ASSERT_EQ(cell.singleTetrahedronSampleCount(), c.count);
-    std::vector<ZuOrientation> samples;
-    for (unsigned int i = 0; i < cell.totalSampleCount(); ++i) samples.push_back(cell.sample(i));
-    double nearest = 10.0, farthest = 0.0;
-    for (std::size_t i = 1; i < samples.size(); ++i) {
-      for (std::size_t j = 0; j < i; ++j) nearest = std::min(nearest, angle(samples[i], samples[j]));
-    }
-    for (int i = 0; i < 3000; ++i) {
-      ZuOrientation const q = random.orientation();
-      double gap = 10.0;
-      for (ZuOrientation const& sample : samples) gap = std::min(gap, angle(q, sample));
-      farthest = std::max(farthest, gap);
-    }
-    EXPECT_GT(nearest, c.spacing * theDegree) << nearest / theDegree;
-    EXPECT_LT(farthest, c.covering * theDegree) << farthest / theDegree;
+    auto const draw = [&] { return random.orientation(); };
+    expectEven(cell, draw, c.spacing * theDegree, c.covering * theDegree);
   }
 }
 
 TEST(Cell600, ContainersAreThoseOfASearchOverAllSampledCells) {
-  RandomValues random(102);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(102);
   Zu600Cell const cell;
   std::vector<ZuOrientation> centers;
   for (unsigned int s = 0; s < 300; ++s) {
@@ -176,27 +176,82 @@ TEST(Cell600, TablesOfSamplesAreCheckedAndOffsetsComparedInIntegers) {
   unsigned int const none = Zu600Cell::m_theNoSample;
   std::vector<std::vector<std::vector<unsigned int>>> const table{{{5, none}, {7, 8}}, {{9, none}, {none, none}}};
   unsigned int out = 3;
-  int const there[] = {0, 1, 1}, empty[] = {1, 1, 0}, below[] = {0, -1, 0}, beyond[] = {0, 0, 2};
-  EXPECT_TRUE(Zu600Cell::checkSampleArray(out, table, 2, there) && out == 8);
-  for (int const* const place : {empty, below, beyond}) {
-    out = 3;
-    EXPECT_TRUE(!Zu600Cell::checkSampleArray(out, table, 2, place) && out == none);
+  int const places[][3] = {{1, 1, 0}, {0, 1, 1}, {0, -1, 0}, {0, 1, 1}, {0, 0, 2}, {0, 1, 1}};
+  for (unsigned int i = 0; i < 6; ++i) {  // nothing there, and something, by turns
+    EXPECT_EQ(Zu600Cell::checkSampleArray(out, table, 2, places[i]), i % 2 == 1);
+    EXPECT_EQ(out, i % 2 == 1 ? 8U : none);
   }
   int const big = 1 << 20;
   int const rows[][3] = {{big, 1, 0}, {big, 1, 0}, {0, 0, 1}},
             wide[][3] = {{big, big, -big}, {big - 1, big, 1}, {1, 1, -1}};
-  EXPECT_FALSE(Zu600Cell::offsetsIndependent(rows, 2) || Zu600Cell::offsetsIndependent(rows, 3));
+  EXPECT_FALSE(Zu600Cell::offsetsIndependent(rows, 2) || Zu600Cell::offsetsIndependent(rows, 3) ||
+               Zu600Cell::offsetsIndependent(wide, 3));
   EXPECT_TRUE(Zu600Cell::offsetsIndependent(rows + 1, 2) && Zu600Cell::offsetsIndependent(wide, 2) &&
               Zu600Cell::offsetsIndependent(rows, 1));
-  EXPECT_FALSE(Zu600Cell::offsetsIndependent(wide, 3));
 }
 
 TEST(Cell600, CopiesAreEqualUntilOneIsSampledOtherwise) {
   Zu600Cell cell, other(cell);
-  ASSERT_TRUE(cell.setupForSampling(2) && cell != other);
+  EXPECT_TRUE(cell == other && cell.setupForSampling(2) && cell != other);
   other = cell;
   cell.setup();
   EXPECT_TRUE(cell == other && cell.sample(1199) == other.sample(1199));
   cell.resizeBaryCentric(3);
   EXPECT_EQ(cell.totalSampleCount(), 900U);
+}
+
+TEST(TruncatedIcosahedron, IsTheRegularPolyhedron) {
+  ZuTruncatedIcosahedron const faces;
+  EXPECT_TRUE(faces.selfTest());  // each vertex in 3 edges and 3 faces, each edge in two faces
+  for (unsigned int v = 0; v < 60; ++v) ASSERT_NEAR(faces.vertex(v).mag(), 1.0, 1e-15);
+  for (unsigned int e = 0; e < 90; ++e)
+    ASSERT_NEAR(faces.edgeVertex(e, 0).distanceTo(faces.edgeVertex(e, 1)), faces.edgeLength(), 1e-15);
+  for (unsigned int f = 0; f < 32; ++f) {
+    unsigned int const size = faces.faceVertexCount(f);
+    for (unsigned int k = 0; k < size; ++k) {
+      unsigned int const a = faces.faceVertexIndex(f, k), b = faces.faceVertexIndex(f, (k + 1) % size);
+      unsigned int const e = faces.faceEdgeIndex(f, k);
+      ASSERT_TRUE(faces.edgeVertexIndex(e, 0) == std::min(a, b) && faces.edgeVertexIndex(e, 1) == std::max(a, b));
+      ASSERT_GT(faces.vertex(a).cross(faces.vertex(b)).dot(faces.faceDirection(f)), 0.1);
+    }
+  }
+}
+
+TEST(TruncatedIcosahedron, SamplesAreDistinctAndNoDirectionIsFarFromOne) {
+  TracedValues random(111);
+  ZuTruncatedIcosahedron faces;
+  for (unsigned int n = 1; n <= 4; ++n) {
+    ASSERT_TRUE(faces.setupForSamplingWithIncrement(0.999 / n));
+    ASSERT_EQ(faces.totalSampleCount(), 90 * n * (n + 1));
+    expectEven(
+        faces, [&] { return random.direction(); }, 0.17 / n, 0.26 / n);
+  }
+}
+
+TEST(TruncatedIcosahedron, TheFaceOfADirectionIsTheOneWhoseCornersAreAroundIt) {
+  TracedValues random(112);
+  ZuTruncatedIcosahedron const faces;
+  for (int i = 0; i < 2000; ++i) {
+    ZuVector const direction = random.direction() * random.scale(1e-200, 1e200);
+    unsigned int const f = faces.findCollectionContainer(direction), size = faces.faceVertexCount(f);
+    for (unsigned int k = 0; k < size; ++k)
+      EXPECT_GT(faces.faceVertex(f, k).cross(faces.faceVertex(f, (k + 1) % size)).dot(direction.unitVector()), -1e-15);
+  }
+}
+
+TEST(TruncatedIcosahedron, WhatIsNotThereGetsAMessage) {
+  ZuTruncatedIcosahedron faces;
+  PrintSink sink;
+  EXPECT_EQ(faces.vertex(60), faces.vertex(0));
+  EXPECT_EQ(faces.faceDirection(32), faces.faceDirection(0));
+  EXPECT_EQ(faces.edgeVertexIndex(0, 2) + faces.faceVertexIndex(0, 5) + faces.faceEdgeIndex(32, 0) +
+                faces.faceVertexCount(32) + faces.findCollectionContainer(ZuVector()) + faces.sampleFace(0),
+            0U);
+  EXPECT_FALSE(faces.setupForSampling(0) || faces.setupForSamplingWithIncrement(0.0) ||
+               faces.setupForSamplingWithIncrement(1e-5));
+  EXPECT_EQ(sink.take().size(), 10U);
+  EXPECT_EQ(faces.sample(180), faces.sample(0));
+  EXPECT_EQ(sink.take(),
+            (Messages{"ZuTruncatedIcosahedron::sample-->sampling not set up, using one sample per triangle",
+                      "ZuTruncatedIcosahedron::sample-->sample 180 requested when only 180 are available"}));
 }
