@@ -5,6 +5,7 @@
 #include "geometry/zuShapePointEvent.h"
 #include "geometry/zuSphere.h"
 #include "tests/extentChecks.h"
+#include "tests/objReader.h"
 #include "tests/proximityFixture.h"
 #include "tests/testValues.h"
 
@@ -92,4 +93,21 @@ void checkTessellations(Solid solid) {
     missing = lost;
   }
   EXPECT_LT(missing, 0.01);
+}
+
+/// Fits to the real meshes enclose all their points; their mean volume, by that of the hulls, stays below the limit.
+template <class Solid>
+void checkFitsToRealMeshes(double limit) {
+  double sumOfRatios = 0.0;
+  for (std::string const& name : realMeshes()) {
+    ZuXmlVectorVector const points(ObjMesh::read(sharedFile("data/objects/" + name)).points);
+    if (points.empty()) GTEST_SKIP() << "no shared meshes";
+    ZuTriPhysicalExtent hull;
+    ASSERT_TRUE(hull.convexHull(points)) << name;
+    Solid fit;
+    fit.fitToPoints(points);
+    for (ZuVector const& p : points) ASSERT_LE(fit.distanceTo(p), 1e-12) << name;
+    sumOfRatios += fit.volume() / extentVolume(hull);
+  }
+  EXPECT_LT(sumOfRatios / static_cast<double>(realMeshes().size()), limit);
 }

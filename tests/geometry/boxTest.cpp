@@ -12,7 +12,6 @@
 #include "geometry/zuRectangle.h"
 #include "geometry/zuTetrahedron.h"
 #include "tests/convexOracle.h"
-#include "tests/objReader.h"
 #include "tests/solidChecks.h"
 
 namespace {
@@ -279,19 +278,7 @@ TEST_F(Box, SegmentsAreCutWhereTheyEnterAndLeave) {
 }
 
 TEST_F(Box, FitsEncloseTheRealMeshesTightly) {
-  double sumOfRatios = 0.0;
-  for (std::string const& name : realMeshes()) {
-    ZuXmlVectorVector const points(ObjMesh::read(sharedFile("data/objects/" + name)).points);
-    if (points.empty()) GTEST_SKIP() << "no shared meshes";
-    ZuTriPhysicalExtent hull;
-    ASSERT_TRUE(hull.convexHull(points)) << name;
-    ZuBox fit;
-    fit.fitToPoints(points);
-    for (ZuVector const& p : points) ASSERT_LE(fit.distanceTo(p), 1e-12) << name;
-    sumOfRatios += fit.volume() / extentVolume(hull);
-  }
-  // 1.838 when this was written.
-  EXPECT_LT(sumOfRatios / static_cast<double>(realMeshes().size()), 1.84);
+  checkFitsToRealMeshes<ZuBox>(1.84);  // 1.838 when this was written
 }
 
 TEST_F(Box, FitsRecoverABoxAndTakeDegenerateSets) {

@@ -10,11 +10,8 @@
 #include "geometry/zuShapePointEvent.h"
 #include "geometry/zuSphere.h"
 #include "geometry/zuTetrahedron.h"
-#include "tests/extentChecks.h"
-#include "tests/objReader.h"
 #include "tests/printSink.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/solidChecks.h"
 
 // What cones share with other solids is tested with ZuConvexSolid, and their distances with ZuFrustum.
 
@@ -63,18 +60,7 @@ TEST(Cone, SupportPointsAreTheApexOrOnTheRim) {
 }
 
 TEST(Cone, FitsEncloseTheRealMeshesTightly) {
-  double sumOfRatios = 0.0;
-  for (std::string const& name : realMeshes()) {
-    ZuXmlVectorVector const points(ObjMesh::read(sharedFile("data/objects/" + name)).points);
-    if (points.empty()) GTEST_SKIP() << "no shared meshes";
-    ZuTriPhysicalExtent hull;
-    ASSERT_TRUE(hull.convexHull(points)) << name;
-    ZuCone fit;
-    fit.fitToPoints(points);
-    EXPECT_LE(mostOutside(fit, points), 1e-12) << name;
-    sumOfRatios += fit.volume() / extentVolume(hull);
-  }
-  EXPECT_LT(sumOfRatios / 12, 2.72);  // 2.710 when this was written
+  checkFitsToRealMeshes<ZuCone>(2.72);  // 2.710 when this was written
 }
 
 TEST(Cone, FitsAroundSolidsEncloseThemAndAreTheLeastOnTheirAxis) {

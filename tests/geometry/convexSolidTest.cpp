@@ -17,12 +17,8 @@
 #include "geometry/zuShapePointEvent.h"
 #include "geometry/zuSphere.h"
 #include "geometry/zuTetrahedron.h"
-#include "tests/extentChecks.h"
 #include "tests/minimumNorm.h"
-#include "tests/objReader.h"
-#include "tests/proximityFixture.h"
-#include "tests/randomValues.h"
-#include "tests/valuePrinters.h"
+#include "tests/solidChecks.h"
 
 namespace {
 
@@ -234,18 +230,7 @@ TEST(Tetrahedron, FlatOnesAreLegal) {
 }
 
 TEST(Tetrahedron, FitsEnclosePointsAndRoundSolids) {
-  double sumOfRatios = 0.0;
-  for (std::string const& name : realMeshes()) {
-    ZuXmlVectorVector const points(ObjMesh::read(sharedFile("data/objects/" + name)).points);
-    if (points.empty()) GTEST_SKIP() << "no shared meshes";
-    ZuTriPhysicalExtent hull;
-    ASSERT_TRUE(hull.convexHull(points));
-    ZuTetrahedron fit;
-    fit.fitToPoints(points);
-    for (ZuVector const& p : points) ASSERT_LE(fit.distanceTo(p), 1e-12) << name;
-    sumOfRatios += fit.volume() / extentVolume(hull);
-  }
-  EXPECT_LT(sumOfRatios / static_cast<double>(realMeshes().size()), 2.61);  // 2.605 when this was written
+  checkFitsToRealMeshes<ZuTetrahedron>(2.61);  // 2.605 when this was written
   ZuTetrahedron around;
   ZuCapsule const capsule(ZuLineSegment({0, 0, 0}, {0, 3, 4}), 0.5);
   around.fitFromShape(capsule);
