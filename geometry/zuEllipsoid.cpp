@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "foundation/zuPrint.h"
 #include "geometry/zuCapsule.h"
@@ -49,10 +50,10 @@ void solveSecular(unsigned int n, double const* e, double const* y, double* x) {
     double slope = 0.0;
     sum = 0.0;
     for (unsigned int i = 0; i < n; ++i) {
-      double const p = w[i] / (u + a[i]);
+      double const divisor = 1.0 / (u + a[i]), p = w[i] * divisor;
       x[i] = e[i] * p;
       sum += p * p;
-      slope += p * p / (u + a[i]);
+      slope += p * p * divisor;
     }
     double const next = u + sum * (std::sqrt(sum) - 1.0) / slope;
     if (!(next > u)) break;
@@ -86,10 +87,13 @@ void nearestInOctant(unsigned int n, double const* e, double const* y, double* x
 /// The point of the surface nearest to a point, in the frame of the axes.
 ZuVector nearestOnSurface(ZuVector const& semiAxes, ZuVector const& point) {
   unsigned int order[3] = {0, 1, 2};
-  std::sort(order, order + 3, [&](unsigned int i, unsigned int j) { return semiAxes[i] > semiAxes[j]; });
+  double const r[3] = {semiAxes.x(), semiAxes.y(), semiAxes.z()};
+  for (auto const& [i, j] : {std::pair(0, 1), {1, 2}, {0, 1}}) {
+    if (r[order[i]] < r[order[j]]) std::swap(order[i], order[j]);
+  }
   double e[3], y[3], x[3];
   for (unsigned int k = 0; k < 3; ++k) {
-    e[k] = semiAxes[order[k]];
+    e[k] = r[order[k]];
     y[k] = std::abs(point[order[k]]);
   }
   nearestInOctant(3, e, y, x);
@@ -164,13 +168,18 @@ double ZuEllipsoid::nearestSurfacePoint(ZuVector const& point, ZuVector& onSurfa
 
 double ZuEllipsoid::nearestPoints(ZuPlainSegment const& segment, ZuVector& onSolid, ZuVector& onSegment) const {
   if (squaredFromOrigin(toBall(segment)) <= 1.0) return 0.0;
-  ZuVector const e = semiAxes();
+  ZuVector const e = semiAxes(), inverse(1.0 / e.x(), 1.0 / e.y(), 1.0 / e.z());
   auto const project = [&](ZuVector const& p) {
-    return checkIntersect(p) ? p : primaryFrame() * nearestOnSurface(e, primaryFrame().inverseTimes(p));
+    ZuVector const onBall(p.x() * inverse.x(), p.y() * inverse.y(), p.z() * inverse.z());
+    return onBall.magSquared() <= 1.0 ? p : nearestOnSurface(e, p);
   };
-  onSegment = zuPointAt(segment, zuNearestParameterTo(segment, project));
-  onSolid = project(onSegment);
-  return onSolid.distanceTo(onSegment);
+  ZuPlainSegment const local = ZuPlainSegment::between(primaryFrame().inverseTimes(segment.endpoint0),
+                                                       primaryFrame().inverseTimes(segment.endpoint1));
+  double const t = zuNearestParameterTo(local, project);
+  ZuVector const onLocal = zuPointAt(local, t), nearest = project(onLocal);
+  onSegment = zuPointAt(segment, t);
+  onSolid = primaryFrame() * nearest;
+  return nearest.distanceTo(onLocal);
 }
 
 /// Closest is either a point within the rectangle, along whose normal the two are then apart, or one of a side.

@@ -1,0 +1,385 @@
+// Every ordered pair of the solids, asked for distance, witness points and contact, apart and overlapping.
+//
+// The oracle knows support points alone. With h the height of a solid's farthest point in a direction, the least of
+// h_1(n) + h_2(-n) over all unit vectors n is minus the signed distance of the two: minus the gap of the widest slab
+// that separates them, or the depth along the direction in which they come apart soonest. It is sought among directions
+// all over the sphere. That the support points are those of the solids is checked with fine tessellations.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "geometry/zuBox.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
+#include "geometry/zuHalfSpace.h"
+#include "geometry/zuLozenge.h"
+#include "geometry/zuPolyPhysicalExtent.h"
+#include "geometry/zuRobustGjk.h"
+#include "geometry/zuShapePointEvent.h"
+#include "geometry/zuSimplexSearch.h"
+#include "geometry/zuSphere.h"
+#include "geometry/zuTetrahedron.h"
+#include "geometry/zuTriPhysicalExtent.h"
+#include "tests/hullShape.h"
+#include "tests/proximityFixture.h"
+#include "tests/sharedFiles.h"
+#include "tests/valuePrinters.h"
+
+namespace {
+
+using Pose = ZuCoordinateSystemTransformation;
+
+/// The types that have a class, in the order of the tables below; 10, 13 and 14 have none.
+constexpr int theTypes[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12};
+constexpr int theCount = 12;
+
+/// What each pair does, first shape by rows: '.' answers; 'x' prints "not supported", distance 0, contact false;
+/// 's' takes the other shape as it stands, without the transformation; '0' answers 0 for every overlap; 'u' of two
+/// half-spaces is their overlap without bound.
+//                                           0 12 3 4 5 6 7 8 9 1112
+constexpr char const* theDistances[] = {"............",   // 0 extent
+                                        "............",   // 1 poly extent
+                                        "............",   // 2 tri extent
+                                        "....xxxxxxxx",   // 3 sphere
+                                        ".....xxxxxxx",   // 4 capsule
+                                        "............",   // 5 ellipsoid
+                                        "............",   // 6 tetrahedron
+                                        ".....0000xxx",   // 7 box
+                                        "............",   // 8 lozenge
+                                        ".........u..",   // 9 half-space
+                                        "...ss.....xx",   // 11 cylinder
+                                        "............"};  // 12 cone
+constexpr char const* theWitnesses[] = {"............", "............", "............", "....xxxxxxxx",
+                                        ".....xxxxxxx", "............", "............", "............",
+                                        "............", ".........u..", "............", "............"};
+constexpr char const* theContacts[] = {"............", "............", "............", "x...xxxxxxxx",
+                                       "sssssxxxxxxx", "............", "............", "...ss..x.xxx",
+                                       "............", ".........u..", "ssssxxxxxxsx", "............"};
+
+struct PlainExtent : ZuPolyPhysicalExtent {
+  ZuShapeValues type() const override { return PHYSICAL_EXTENT; }
+};
+
+/// A solid of about unit size that holds the origin.
+std::unique_ptr<ZuShape> solidOf(int type, RandomValues& random) {
+  ZuXmlVectorVector const points(randomHull(random, 40).vertices());
+  ZuLineSegment const axis({-0.3, 0.1, 0.2}, {0.5, -0.2, 0.1});
+  Pose const frame(random.vector(0.1), random.orientation());
+  auto const meshOf = [&](std::unique_ptr<ZuBasePhysicalExtent> mesh) {
+    mesh->convexHull(points);
+    return mesh;
+  };
+  switch (type) {
+    case 0:
+      return meshOf(std::make_unique<PlainExtent>());
+    case 1:
+      return meshOf(std::make_unique<ZuPolyPhysicalExtent>());
+    case 2:
+      return meshOf(std::make_unique<ZuTriPhysicalExtent>());
+    case 3:
+      return std::make_unique<ZuSphere>(random.vector(0.1), 0.5, 5);
+    case 4:
+      return std::make_unique<ZuCapsule>(axis, 0.3);
+    case 5:
+      return std::make_unique<ZuEllipsoid>(frame, ZuVector(0.4, 0.7, 0.55));
+    case 6:
+      return std::make_unique<ZuTetrahedron>(ZuVector(0.9, 0.1, -0.4), ZuVector(-0.8, 0.6, -0.5),
+                                             ZuVector(-0.1, -0.9, -0.4), ZuVector(0.1, 0.1, 0.9));
+    case 7:
+      return std::make_unique<ZuBox>(frame, ZuVector(0.5, 0.3, 0.6));
+    case 8:
+      return std::make_unique<ZuLozenge>(ZuRectangle(random.vector(0.1), {0.4, 0.1, 0.0}, {-0.1, 0.4, 0.2}), 0.25);
+    case 9:
+      return std::make_unique<ZuHalfSpace>(ZuPlane(random.vector(0.1) + ZuVector(0, 0, 0.2), {0.3, -0.2, 0.9}));
+    case 11:
+      return std::make_unique<ZuCylinder>(axis, 0.45);
+    default:
+      return std::make_unique<ZuCone>(axis, 0.6);
+  }
+}
+
+/// Even over the sphere, by steps of the golden angle.
+ZuVector spiral(int k, int count) {
+  double const z = 1.0 - (2.0 * k + 1.0) / count, r = std::sqrt(1.0 - z * z);
+  return {r * std::cos(2.399963229728653 * k), r * std::sin(2.399963229728653 * k), z};
+}
+
+double signedDistance(ZuShape const& a, ZuShape const& b, Pose const& x) {
+  auto const overlap = [&](ZuVector const& n) {
+    return n.dot(a.computeSupportPoint(n) - x * b.computeSupportPoint(x.orientation().inverseTimes(-n)));
+  };
+  std::vector<std::pair<double, ZuVector>> starts;
+  for (int k = 0; k < 400; ++k) starts.emplace_back(overlap(spiral(k, 400)), spiral(k, 400));
+  for (ZuShape const* shape : {&a, &b}) {  // the one direction of a half-space is not found by looking around
+    if (shape->type() != ZuShape::HALF_SPACE) continue;
+    ZuVector const n = static_cast<ZuHalfSpace const*>(shape)->normal();
+    ZuVector const inA = shape == &a ? n : x.orientation() * -n;
+    starts.emplace_back(overlap(inA), inA);
+  }
+  std::sort(starts.begin(), starts.end(), [](auto const& s, auto const& t) { return s.first < t.first; });
+  double least = starts[0].first;
+  for (std::size_t i = 0; i < 4; ++i) {
+    ZuVector const n = starts[i].second, e1 = n.cross(ZuVector(0.36, 0.48, 0.8)).unitVector(), e2 = n.cross(e1);
+    auto const tilted = [&](std::array<double, 2> const& t) {
+      return overlap((n + e1 * t[0] + e2 * t[1]).unitVector());
+    };
+    least = std::min(least, ZuSimplexSearch<2>::minimum(tilted, {}, 0.1, 20).value);
+  }
+  return -least;
+}
+
+class PairTable : public ProximityTest {
+ protected:
+  PairTable() {
+    ZuShape::setGjkEnginePrototype(ZuRobustGJK());
+    RandomValues random(71);
+    for (int type : theTypes) {
+      m_First.push_back(solidOf(type, random));
+      m_Second.push_back(solidOf(type, random));
+    }
+  }
+  ~PairTable() override { ZuShape::setGjkEnginePrototype(ZuGJK()); }
+
+  /// Where the second solid is `gap` from the first, in a direction that the pair of types fixes.
+  Pose poseOf(int i, int j, double gap) const {
+    RandomValues random(static_cast<std::uint64_t>(30000 + 100 * i + j));
+    ZuOrientation const turn = random.orientation();
+    ZuVector direction = random.direction();
+    for (int side = 0; side < 2; ++side) {  // a half-space is left along its normal
+      ZuShape const& shape = *(side == 0 ? m_First[i] : m_Second[j]);
+      if (shape.type() != ZuShape::HALF_SPACE) continue;
+      ZuVector const n = static_cast<ZuHalfSpace const&>(shape).normal();
+      direction = side == 0 ? n : turn * -n;
+    }
+    double low = 0.0, high = 8.0;
+    for (int step = 0; step < 40; ++step) {
+      double const middle = 0.5 * (low + high);
+      (signedDistance(*m_First[i], *m_Second[j], Pose(direction * middle, turn)) < gap ? low : high) = middle;
+    }
+    return Pose(direction * high, turn);
+  }
+
+  std::vector<std::unique_ptr<ZuShape>> m_First, m_Second;
+};
+
+Pose readPose(std::istream& text) {
+  double t[7];
+  for (double& number : t) text >> number;
+  return Pose({t[0], t[1], t[2]}, ZuOrientation(t[3], t[4], t[5], t[6]));
+}
+
+/// A solid of the shared cases, along z about its origin; null for a kind that has no class.
+std::unique_ptr<ZuShape> readSolid(std::istream& text) {
+  std::string kind;
+  text >> kind;
+  std::vector<double> n{std::istream_iterator<double>(text), {}};
+  n.resize(12);
+  auto const alongZ = [](double length) { return ZuLineSegment({0, 0, -0.5 * length}, {0, 0, 0.5 * length}); };
+  if (kind == "sphere") return std::make_unique<ZuSphere>(ZuVector(), n[0], 3);
+  if (kind == "box") return std::make_unique<ZuBox>(Pose(), ZuVector(n[0], n[1], n[2]) * 0.5);
+  if (kind == "capsule") return std::make_unique<ZuCapsule>(alongZ(n[1]), n[0]);
+  if (kind == "cylinder") return std::make_unique<ZuCylinder>(alongZ(n[1]), n[0]);
+  if (kind == "cone") return std::make_unique<ZuCone>(alongZ(n[1]), n[0]);
+  if (kind == "ellipsoid") return std::make_unique<ZuEllipsoid>(Pose(), ZuVector(n[0], n[1], n[2]));
+  if (kind == "halfspace") return std::make_unique<ZuHalfSpace>(ZuPlane({}, {0, 0, 1}));
+  if (kind == "lozenge") {
+    return std::make_unique<ZuLozenge>(ZuRectangle({}, {0.5 * n[1], 0, 0}, {0, 0.5 * n[2], 0}), n[0]);
+  }
+  if (kind != "tetrahedron") return nullptr;
+  return std::make_unique<ZuTetrahedron>(ZuVector(n[0], n[1], n[2]), ZuVector(n[3], n[4], n[5]),
+                                         ZuVector(n[6], n[7], n[8]), ZuVector(n[9], n[10], n[11]));
+}
+
+/// What a pair printed, and whether it was "not supported" with its two numbers.
+bool isRefusal(std::vector<std::string> const& messages, int type1, int type2) {
+  std::string const pair =
+      " from shapeID (" + std::to_string(type1) + ") to shapeID (" + std::to_string(type2) + ") not supported";
+  return messages.size() == 1 && messages[0].size() > pair.size() &&
+         messages[0].compare(messages[0].size() - pair.size(), pair.size(), pair) == 0;
+}
+
+}  // namespace
+
+TEST_F(PairTable, SupportPointsAreThoseOfFineTessellations) {
+  for (std::unique_ptr<ZuShape> const& solid : m_First) {
+    solid->setDetailLevel(5);
+    ZuBasePhysicalExtent const& mesh = solid->physicalExtent();
+    for (int k = 0; k < 200; ++k) {
+      ZuVector const n = spiral(k, 200);
+      double const missing = n.dot(solid->computeSupportPoint(n) - mesh.computeSupportPoint(n));
+      EXPECT_TRUE(missing >= -1e-12 && missing <= 2e-3) << solid->type() << ' ' << missing;
+    }
+  }
+}
+
+TEST_F(PairTable, EveryPairAnswersAsItsClassSays) {
+  for (int i = 0; i < theCount; ++i) {
+    for (int j = 0; j < theCount; ++j) {
+      ZuShape const& a = *m_First[i];
+      ZuShape const& b = *m_Second[j];
+      bool const isUnbounded = theDistances[i][j] == 'u';
+      for (double const gap : {0.3, -0.1}) {
+        SCOPED_TRACE(std::to_string(theTypes[i]) + " to " + std::to_string(theTypes[j]) + " at " + std::to_string(gap));
+        Pose const x = isUnbounded ? Pose() : poseOf(i, j, gap);
+        double const expected = isUnbounded ? -1.0 : signedDistance(a, b, x);
+        PrintSink sink;
+        double const d = distance(a, b, x);
+        std::vector<std::string> const ofDistance = sink.take();
+        ZuVector w1, w2, v1, v2;
+        double const dw = witness(a, b, x, w1, w2);
+        std::vector<std::string> const ofWitness = sink.take();
+        bool const contact = touch(a, b, x);
+        std::vector<std::string> const ofContact = sink.take();
+
+        bool const refuses = theDistances[i][j] == 'x' || isUnbounded;
+        EXPECT_EQ(isRefusal(ofDistance, theTypes[i], theTypes[j]), refuses);
+        EXPECT_EQ(ofDistance.size(), refuses ? 1U : 0U);
+        switch (theDistances[i][j]) {
+          case '.':
+            EXPECT_NEAR(d, expected, 1e-5);
+            break;
+          case '0':
+            EXPECT_NEAR(d, std::max(expected, 0.0), 1e-5);
+            break;
+          case 's':
+            EXPECT_EQ(d, distance(a, b, Pose()));
+            break;
+          default:
+            EXPECT_EQ(d, 0.0);
+        }
+
+        bool const refusesWitness = theWitnesses[i][j] == 'x' || isUnbounded;
+        EXPECT_EQ(isRefusal(ofWitness, theTypes[i], theTypes[j]), refusesWitness);
+        EXPECT_EQ(ofWitness.size(), refusesWitness ? 1U : 0U);
+        if (refusesWitness) {
+          EXPECT_EQ(dw, 0.0);
+        } else {
+          EXPECT_NEAR(dw, expected, 1e-5);
+          EXPECT_NEAR((x * w2 - w1).mag(), std::abs(dw), 1e-7);
+          for (double const outside : {a.distanceTo(w1), b.distanceTo(w2)}) EXPECT_LE(outside, 1e-7);
+          if (theWitnesses[j][i] == '.') {
+            EXPECT_NEAR(witness(b, a, x.inverse(), v2, v1), dw, 1e-6);
+            EXPECT_NEAR((v1 - x * v2).mag(), std::abs(dw), 1e-6);
+            // Where the nearest points are not unique, the separating direction is.
+            ZuVector const u = (x * w2 - w1).unitVector(), v = (x * v2 - v1).unitVector();
+            EXPECT_TRUE(v1.approxEq(w1, 1e-3) || u.approxEq(v, 1e-3)) << u.dot(v);
+          }
+        }
+
+        bool const refusesContact = theContacts[i][j] == 'x';
+        EXPECT_EQ(isRefusal(ofContact, theTypes[i], theTypes[j]), refusesContact);
+        EXPECT_EQ(ofContact.size(), refusesContact ? 1U : 0U);
+        // All solids hold the origin of their frames: as they stand, they overlap.
+        EXPECT_EQ(contact, theContacts[i][j] == 's' || (!refusesContact && expected < 0.0));
+      }
+    }
+  }
+}
+
+TEST_F(PairTable, HardCasesAreWithinTheirTolerance) {
+  std::ifstream file(sharedFile("cases/open.pairs.txt"));
+  if (!file) GTEST_SKIP() << "no cases/open.pairs.txt in the shared collection";
+  int answered = 0;
+  std::map<std::string, std::istringstream> block;
+  for (std::string line; std::getline(file, line);) {
+    std::istringstream text(line);
+    std::string key;
+    text >> key;
+    if (key != "end") {
+      block[key] = std::move(text);
+      continue;
+    }
+    std::unique_ptr<ZuShape> const a = readSolid(block["a"]), b = readSolid(block["b"]);
+    Pose const x1 = readPose(block["a_pose"]), x2 = readPose(block["b_pose"]), x = x1.inverse() * x2;
+    double expected = 0.0, tolerance = 0.0, d = 0.0;
+    ASSERT_TRUE(block["distance"] >> expected && block["tol"] >> tolerance);
+    if (!a || !b) continue;
+    ++answered;
+    SCOPED_TRACE(block["case"].str());
+    ZuVector w1, w2, direction;
+    a->computePenetrationDistanceAndSupportPoints(*b, x, w1, w2, d, direction);
+    if (a->type() == ZuShape::CAPSULE && b->type() == ZuShape::CAPSULE) {  // never deeper than the larger radius
+      double const bound = std::max(static_cast<ZuCapsule&>(*a).radius(), static_cast<ZuCapsule&>(*b).radius());
+      expected = std::max(expected, -bound);
+    }
+    EXPECT_NEAR(d, expected, tolerance);
+    // Concentric balls have no nearest points.
+    EXPECT_TRUE(direction == ZuVector() || std::abs((x * w2 - w1).mag() - std::abs(d)) <= tolerance);
+    b->computePenetrationDistanceAndSupportPoints(*a, x.inverse(), w2, w1, d, direction);
+    EXPECT_NEAR(d, expected, tolerance);
+  }
+  EXPECT_GT(answered, 100);
+}
+
+TEST_F(PairTable, BoundingVolumesOfEveryKindEncloseOrSayThatTheyDoNot) {
+  for (std::unique_ptr<ZuShape> const& solid : m_First) {
+    for (int kind = 0; kind <= 14; ++kind) {
+      SCOPED_TRACE(std::to_string(kind) + " around " + std::to_string(solid->type()));
+      PrintSink sink;
+      solid->addBoundingVolume(static_cast<ZuShape::ZuShapeValues>(kind));
+      bool const refused = !sink.take().empty();
+      ZuShape const* const volume = solid->lowerFidelityRepresentation();
+      bool const exists = kind != 10 && kind < 13;
+      ASSERT_EQ(volume != nullptr, exists);
+      if (!exists) continue;
+      EXPECT_EQ(volume->type(), std::max(kind, 1));
+      EXPECT_EQ(volume->surfaceProperty(), "Bounding");
+      EXPECT_EQ(volume->higherFidelityRepresentation(), solid.get());
+      // Meshes take the tessellation of round solids, and a sphere encloses no capsule.
+      bool const isExempt = kind <= 2 || (kind == 3 && solid->type() == 4);
+      for (int k = 0; k < 100 && !refused && !isExempt; ++k) {
+        EXPECT_LE(volume->distanceTo(solid->computeSupportPoint(spiral(k, 100))), 1e-9);
+      }
+      solid->deleteBoundingVolumes();
+    }
+  }
+}
+
+TEST_F(PairTable, HalfSpacesThatFaceEachOtherHaveADistance) {
+  ZuHalfSpace const a(ZuPlane({1, 2, 3}, {1, 2, 2}));
+  ZuVector const n = a.normal();
+  for (double const gap : {0.75, -0.5}) {
+    Pose const x({0.5, -1.0, 2.0}, ZuOrientation(0.5, -0.5, 0.1, 0.7));
+    ZuHalfSpace b(ZuPlane(x.inverse() * (ZuVector(1, 2, 3) + n * gap + ZuVector(2, -1, 0) * 3.0),
+                          x.orientation().inverseTimes(-n)));
+    ZuVector w1, w2;
+    EXPECT_NEAR(witness(a, b, x, w1, w2), gap, 1e-14);
+    EXPECT_TRUE((x * w2 - w1).approxEq(n * gap, 1e-14));
+    EXPECT_EQ(touch(a, b, x), gap < 0.0);
+    b.setPlane(ZuPlane(b.plane().basePoint(), b.normal() + ZuVector(1e-9, 0, 0)));
+    PrintSink sink;
+    EXPECT_TRUE(touch(a, b, x));
+    EXPECT_EQ(distance(a, b, x), 0.0);
+    EXPECT_TRUE(isRefusal(sink.take(), 9, 9));
+  }
+}
+
+TEST_F(PairTable, HalfSpacesFitScaleAndCutSegments) {
+  ZuHalfSpace half(ZuPlane({1, 2, 3}, {0, 0, 2}));
+  EXPECT_EQ(half.distanceTo(ZuLineSegment({0, 0, 5}, {9, 0, 2})), -1.0);
+  ZuShapePointEvent event;
+  ASSERT_TRUE(half.intersectLineSegment(ZuLineSegment({0, 0, 5}, {0, 0, 1}), event));
+  EXPECT_TRUE(event.entry.t == 0.5 && event.exit.t == 1.0 && event.endsInside && !event.startsInside);
+  EXPECT_EQ(event.entry.normal, ZuVector(0, 0, 1));
+  ASSERT_TRUE(half.intersectLineSegment(ZuLineSegment({0, 0, 3}, {0, 0, 4}), event));
+  EXPECT_TRUE(event.entry.t == 0.0 && event.exit.t == 0.0);
+  EXPECT_FALSE(half.intersectLineSegment(ZuLineSegment({0, 0, 3.001}, {0, 0, 4}), event));
+  half.fitToPoints(ZuXmlVectorVector({{5, 5, -2}, {7, 0, -4}}));
+  EXPECT_EQ(half.distanceTo(ZuVector(0, 0, 0)), 2.0);
+  half.scaleBy(-3.0);
+  EXPECT_EQ(half.distanceTo(ZuVector(0, 0, 5)), 1.0);
+  EXPECT_EQ(half.normal(), ZuVector(0, 0, -1));
+  for (ZuVector const& d : {ZuVector(), ZuVector(std::nan(""), 0, 0), ZuVector(1e300, 1, 1)}) {
+    EXPECT_TRUE(std::isfinite(half.computeSupportPoint(d).mag()));
+  }
+}
