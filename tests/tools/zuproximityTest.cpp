@@ -2,9 +2,7 @@
 #include <sys/wait.h>
 
 #include <Eigen/Geometry>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +14,7 @@
 #include "geometry/zuRobustGjk.h"
 #include "geometry/zuSphere.h"
 #include "tests/sharedFiles.h"
+#include "tests/temporaryFolder.h"
 #include "tests/testValues.h"
 #include "tools/proximityStudy.h"
 #include "tools/scene.h"
@@ -24,21 +23,20 @@
 namespace {
 
 struct Outcome {
-  int exitCode = -1;
+  int exitCode;
   std::string output;
 };
 
-/// Runs a command line; its output is read through a pipe.
+/// Tests may run at the same time, each in its own process.
+std::string temporary(std::string const& name) {
+  static TemporaryFolder const theFolder;
+  return theFolder.file(name);
+}
+
 Outcome run(std::string const& command) {
-  Outcome outcome;
-  std::FILE* const pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return outcome;
-  std::array<char, 4096> buffer;
-  for (std::size_t n = 0; (n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;)
-    outcome.output.append(buffer.data(), n);
-  int const status = pclose(pipe);
-  if (WIFEXITED(status)) outcome.exitCode = WEXITSTATUS(status);
-  return outcome;
+  std::string const output = temporary("output");
+  int const status = std::system(("(" + command + ") >" + output).c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(output)};
 }
 
 testing::AssertionResult says(Outcome const& outcome, std::string const& part, int exitCode = 0) {
@@ -46,8 +44,6 @@ testing::AssertionResult says(Outcome const& outcome, std::string const& part, i
   return (asTold ? testing::AssertionSuccess() : testing::AssertionFailure())
          << part << " in " << outcome.output << "exit code " << outcome.exitCode;
 }
-
-std::string temporary(std::string const& name) { return testing::TempDir() + "zuproximity_" + name; }
 
 std::string written(std::string const& name, std::string const& text) {
   std::ofstream(temporary(name), std::ios::binary) << text;
@@ -194,8 +190,8 @@ TEST(Zuproximity, MeshFilesAreTakenAsHullsOrAsTheyAre) {
       written("bodies.xml", "<scene><body><name>a</name></body><body><name>b</name><link>1</link></body></scene>");
   notchedObj();
   // The turn takes x, y, z to -z, -y, -x: the cube fills 1.3 to 1.5 on x and y, 0.4 to 0.6 on z.
-  std::string const table = written(
-      "meshes.txt", "# body file pose\na zuproximity_notched\n\nb " + cubeStl() + " 1.5 1.5 0.6 0 3 0 -3 # turned\n");
+  std::string const table =
+      written("meshes.txt", "# body file pose\na notched\n\nb " + cubeStl() + " 1.5 1.5 0.6 0 3 0 -3 # turned\n");
   for (MeshUse const use : {MeshUse::HULL, MeshUse::FACES}) {
     Scene scene;
     std::vector<MeshSource> sources;
@@ -242,11 +238,11 @@ TEST(Zuproximity, ReportsEveryCycleAsTextAndAsTable) {
   std::string const csv = temporary("out.csv");
   Outcome const all = run(ZUPROXIMITY " " ZU_EXAMPLES_DIR "/two_arms.xml --cycles 3 --csv " + csv + " 2>&1");
   EXPECT_TRUE(says(all, "cycle 2: ") && says(all, "closest       cycle "));
-  EXPECT_EQ(all.output.find('\r'), std::string::npos) << "no progress bar in a pipe";
+  EXPECT_EQ(all.output.find('\r'), std::string::npos) << "no progress bar in a file";
   std::ifstream table(csv);
-  std::string line;
   std::size_t lines = 0;
-  for (; std::getline(table, line); ++lines) EXPECT_EQ(std::count(line.begin(), line.end(), ','), 12) << line;
+  for (std::string line; std::getline(table, line); ++lines)
+    EXPECT_EQ(std::count(line.begin(), line.end(), ','), 12) << line;
   EXPECT_EQ(lines, 4U);
   EXPECT_TRUE(says(run(ZUPROXIMITY " --summary --margin 0.01 --cycles 1 " ZU_EXAMPLES_DIR "/two_arms.xml"),
                    "closest       none within the margin"));
