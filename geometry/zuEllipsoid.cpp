@@ -25,7 +25,8 @@ constexpr double theLeastSemiAxis = 1e-100;
 /// Times the size of the coordinates: to points that are nearer to the surface the normal is taken from the surface,
 /// since rounding spoils the direction of their difference.
 constexpr double theSurface = 1e-4;
-/// Steps of the secular iteration, which takes about ten; a bound for numbers that are not finite.
+/// Steps of the secular iteration, which takes three or four, at most thirteen of 20,000 random points; a bound for
+/// numbers that are not finite.
 constexpr int theSecularSteps = 200;
 
 /// Root of the secular equation for a point with coordinates y >= 0 and semi-axes e from the longest to the shortest,
