@@ -4,7 +4,10 @@
 
 #include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuSphere.h"
 
 namespace {
@@ -39,9 +42,28 @@ ZuConvexCore::ZuConvexCore(ZuShape const& shape) : m_Shape(shape) {
     case ZuShape::CYLINDER:
       if (auto const* cylinder = exactly<ZuCylinder>(shape)) {
         m_Kind = CYLINDER;
-        takeSegment(cylinder->lineSegment().endpoint0(), cylinder->lineSegment().endpoint1());
-        alignWithSegment();
-        m_Half = ZuVector(cylinder->radius() > 0.0 ? cylinder->radius() : 0.0, 0.0, m_Half.mag());
+        takeAxial(cylinder->lineSegment().endpoint0(), cylinder->lineSegment().endpoint1(), cylinder->radius());
+      }
+      break;
+    case ZuShape::CONE:
+      if (auto const* cone = exactly<ZuCone>(shape)) {
+        m_Kind = CONE;
+        takeAxial(cone->lineSegment().endpoint0(), cone->lineSegment().endpoint1(), cone->radius());
+      }
+      break;
+    case ZuShape::ELLIPSOID:
+      if (auto const* ellipsoid = exactly<ZuEllipsoid>(shape)) {
+        takeBox(ellipsoid->radii(), ellipsoid->primaryFrame());
+        m_Kind = ELLIPSOID;
+      }
+      break;
+    case ZuShape::LOZENGE:
+      if (auto const* lozenge = exactly<ZuLozenge>(shape)) {
+        m_Kind = RECTANGLE;
+        center = lozenge->rectangle().center();
+        m_Half = lozenge->rectangle().halfEdge(0);
+        m_OtherHalf = lozenge->rectangle().halfEdge(1);
+        radius = lozenge->radius();
       }
       break;
     default:
@@ -60,6 +82,13 @@ void ZuConvexCore::takeBox(ZuVector const& half, ZuCoordinateSystemTransformatio
 void ZuConvexCore::takeSegment(ZuVector const& end0, ZuVector const& end1) {
   center = end0 * 0.5 + end1 * 0.5;
   m_Half = end1 * 0.5 - end0 * 0.5;
+}
+
+/// A radius that is negative or nan counts as 0.
+void ZuConvexCore::takeAxial(ZuVector const& end0, ZuVector const& end1, double radiusAcross) {
+  takeSegment(end0, end1);
+  alignWithSegment();
+  m_Half = ZuVector(radiusAcross > 0.0 ? radiusAcross : 0.0, 0.0, m_Half.mag());
 }
 
 /// Lets the z axis of the core's frame run along the segment; that of the shape when it has no length.

@@ -47,6 +47,12 @@ class ZuConvexCore {
         return {std::copysign(m_Half.x(), d.x()), std::copysign(m_Half.y(), d.y()), std::copysign(m_Half.z(), d.z())};
       case CYLINDER:
         return onCylinder(d);
+      case CONE:
+        return onCone(d);
+      case ELLIPSOID:
+        return onEllipsoid(d);
+      case RECTANGLE:
+        return m_Half * std::copysign(1.0, d.dot(m_Half)) + m_OtherHalf * std::copysign(1.0, d.dot(m_OtherHalf));
       case SEGMENT:
         return d.dot(m_Half) < 0.0 ? -m_Half : m_Half;
       default:
@@ -60,12 +66,10 @@ class ZuConvexCore {
   ZuVector center;  ///< origin of the core's frame in the shape's
   double radius = 0.0;
   /// A bound on the coordinates of the points in the core's frame; 0 when only its points will tell.
-  double reach() const {
-    return m_Kind == SHAPE ? 0.0 : std::abs(m_Half.x()) + std::abs(m_Half.y()) + std::abs(m_Half.z());
-  }
+  double reach() const { return m_Kind == SHAPE ? 0.0 : sum(m_Half) + sum(m_OtherHalf); }
 
  private:
-  enum Kind { SHAPE, POINT, SEGMENT, BOX, CYLINDER };
+  enum Kind { SHAPE, POINT, SEGMENT, RECTANGLE, BOX, CYLINDER, CONE, ELLIPSOID };
 
   ZuVector askShape(ZuVector const& d) const;
   /// About the z axis, of radius half.x; the centre of a cap for a direction along the axis.
@@ -73,13 +77,30 @@ class ZuConvexCore {
     double const square = d.x() * d.x() + d.y() * d.y(), factor = square > 0.0 ? m_Half.x() / std::sqrt(square) : 0.0;
     return {d.x() * factor, d.y() * factor, std::copysign(m_Half.z(), d.z())};
   }
+  /// The base is below, at -half.z, the apex above.
+  ZuVector onCone(ZuVector const& d) const {
+    double const square = d.x() * d.x() + d.y() * d.y(), across = std::sqrt(square);
+    if (2.0 * m_Half.z() * d.z() > m_Half.x() * across) return {0.0, 0.0, m_Half.z()};
+    double const factor = across > 0.0 ? m_Half.x() / across : 0.0;
+    return {d.x() * factor, d.y() * factor, -m_Half.z()};
+  }
+  ZuVector onEllipsoid(ZuVector const& d) const {
+    ZuVector const onBall(m_Half.x() * d.x(), m_Half.y() * d.y(), m_Half.z() * d.z());
+    double const square = onBall.magSquared(), factor = square > 0.0 ? 1.0 / std::sqrt(square) : 0.0;
+    return ZuVector(m_Half.x() * onBall.x(), m_Half.y() * onBall.y(), m_Half.z() * onBall.z()) * factor;
+  }
+  static double sum(ZuVector const& v) { return std::abs(v.x()) + std::abs(v.y()) + std::abs(v.z()); }
+  void takeAxial(ZuVector const& end0, ZuVector const& end1, double radiusAcross);
   void takeBox(ZuVector const& half, ZuCoordinateSystemTransformation const& frame);
   void takeSegment(ZuVector const& end0, ZuVector const& end1);
   void alignWithSegment();
 
   ZuShape const& m_Shape;
   Kind m_Kind = SHAPE;
-  ZuVector m_Half;  ///< half of the sides or of the segment; of a cylinder radius, radius and half of the height
+  /// Half of the sides, of the segment or of an edge; semi-axes; of solids about the z axis the radius, 0 and half of
+  /// the height.
+  ZuVector m_Half;
+  ZuVector m_OtherHalf;  ///< of the other edge of a rectangle
 };
 
 /// A point y = p - q of the difference set, with the points of the cores, each in its core's frame.

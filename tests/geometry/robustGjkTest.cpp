@@ -3,12 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <functional>
 #include <map>
 #include <memory>
 #include <sstream>
 
+#include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
+#include "geometry/zuLozenge.h"
+#include "geometry/zuRectangle.h"
+#include "geometry/zuTetrahedron.h"
 #include "tests/allocationCounter.h"
 #include "tests/convexOracle.h"
 #include "tests/hullShape.h"
@@ -20,39 +26,6 @@ namespace {
 
 using Pose = ZuCoordinateSystemTransformation;
 constexpr double theEpsilon = 0x1p-52;
-
-/// A solid by its support function.
-class FormulaShape : public ZuSphere {
- public:
-  using Support = std::function<ZuVector(ZuVector const&)>;
-  explicit FormulaShape(Support support) : m_Support(std::move(support)) {}
-  ZuVector computeSupportPoint(ZuVector const& direction) const override { return m_Support(direction); }
-
- private:
-  Support m_Support;
-};
-
-/// The point of a circle about the z axis.
-ZuVector onCircle(ZuVector const& d, double radius, double z) {
-  ZuVector const across = ZuVector(d.x(), d.y(), 0.0).unitVector() * radius;
-  return ZuVector(across.x(), across.y(), z);
-}
-std::unique_ptr<ZuShape> ellipsoid(ZuVector const& a) {
-  return std::make_unique<FormulaShape>([a](ZuVector const& d) {
-    ZuVector const u = ZuVector(d.x() * a.x(), d.y() * a.y(), d.z() * a.z()).unitVector();
-    return ZuVector(u.x() * a.x(), u.y() * a.y(), u.z() * a.z());
-  });
-}
-std::unique_ptr<ZuShape> cylinder(double r, double h) {
-  return std::make_unique<FormulaShape>(
-      [=](ZuVector const& d) { return onCircle(d, r, std::copysign(0.5 * h, d.z())); });
-}
-std::unique_ptr<ZuShape> cone(double r, double h) {
-  return std::make_unique<FormulaShape>([=](ZuVector const& d) {
-    ZuVector const rim = onCircle(d, r, -0.5 * h), apex(0.0, 0.0, 0.5 * h);
-    return d.dot(rim) > d.dot(apex) ? rim : apex;
-  });
-}
 
 struct Answer {
   double distance = -1e9;
@@ -115,19 +88,23 @@ std::unique_ptr<ZuShape> readShape(std::istream& in) {
   unsigned int count = 4;
   if (type == "convex") in >> count;
   if (type == "convex" || type == "tetrahedron") {
-    std::vector<ZuVector> points(count);
-    for (ZuVector& p : points) in >> p[0] >> p[1] >> p[2];
-    return std::make_unique<HullShape>(points);
+    std::vector<ZuVector> p(count);
+    for (ZuVector& v : p) in >> v[0] >> v[1] >> v[2];
+    if (type == "tetrahedron") return std::make_unique<ZuTetrahedron>(p[0], p[1], p[2], p[3]);
+    return std::make_unique<HullShape>(p);
   }
   for (double& number : n) in >> number;
+  ZuVector const half(0.0, 0.0, 0.5 * n[1]), sizes(n[0], n[1], n[2]);
   if (type == "sphere") return std::make_unique<ZuSphere>(ZuVector(), n[0], 3);
-  if (type == "box") return std::make_unique<HullShape>(HullShape::box(n[0], n[1], n[2]));
-  if (type == "lozenge") return std::make_unique<HullShape>(HullShape::box(n[1], n[2], 0.0).vertices(), n[0]);
-  ZuVector const half(0.0, 0.0, 0.5 * n[1]);
+  if (type == "box") return std::make_unique<ZuBox>(Pose(), sizes * 0.5);
+  if (type == "lozenge") {
+    ZuRectangle const core(ZuVector(), ZuVector::xVector(0.5 * n[1]), ZuVector::yVector(0.5 * n[2]));
+    return std::make_unique<ZuLozenge>(core, n[0]);
+  }
   if (type == "capsule") return std::make_unique<ZuCapsule>(ZuLineSegment(-half, half), n[0]);
-  if (type == "cylinder") return cylinder(n[0], n[1]);
-  if (type == "cone") return cone(n[0], n[1]);
-  if (type == "ellipsoid") return ellipsoid(ZuVector(n[0], n[1], n[2]));
+  if (type == "cylinder") return std::make_unique<ZuCylinder>(ZuLineSegment(-half, half), n[0]);
+  if (type == "cone") return std::make_unique<ZuCone>(ZuLineSegment(-half, half), n[0]);
+  if (type == "ellipsoid") return std::make_unique<ZuEllipsoid>(Pose(), sizes);
   return nullptr;  // a half-space has no support points
 }
 
