@@ -1,5 +1,7 @@
-// Accuracy of the convex engine on random pairs against an oracle in extended precision, as tables for
-// docs/numerics.md. Usage: gjkAccuracy [pairs per size, default 100000] [folder of .obj meshes]
+// Accuracy of the convex engines on random pairs, as tables for docs/numerics.md: of polytopes and capsules against an
+// oracle in extended precision, of curved solids by the planes that prove a distance from below and a depth from above.
+// Every fourth pair is moved until it grazes. Usage: gjkAccuracy [pairs per class, default 100000] [folder of .obj
+// meshes]
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -7,8 +9,13 @@
 #include <set>
 #include <sstream>
 
+#include "geometry/zuBox.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
 #include "geometry/zuConvexHull.h"
-#include "geometry/zuGjk.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
+#include "geometry/zuRobustGjk.h"
 #include "tests/convexOracle.h"
 #include "tests/hullShape.h"
 
@@ -16,21 +23,38 @@ namespace {
 
 using Pose = ZuCoordinateSystemTransformation;
 
-/// A hull with what the oracle of depths needs.
+/// A solid with what the oracles need of it.
 struct Body {
-  HullShape shape;
-  oracle::Points edges, normals;  ///< in the frame of the shape; empty when depths are not checked
+  HullShape shape;                 ///< the solid, or its core when there is another; without vertices for a curved one
+  std::shared_ptr<ZuShape> solid;  ///< what is asked, when it is not the hull
+  double radius = 0.0;             ///< about the core
+  oracle::Points edges, normals;   ///< in the frame of the shape; empty when depths are not checked
+
+  ZuShape const& asked() const { return solid ? *solid : static_cast<ZuShape const&>(shape); }
+  bool isCurved() const { return shape.vertices().empty(); }
 };
 
 /// Errors above this, relative to the distance, or for depths to the size of 1 m, count as wrong.
 constexpr double theLimit = 1e-6;
 /// Pairs nearer than this (m) are not counted as apart: they may count as touching by the engine's tolerance.
 constexpr double theGraze = 1e-7;
+/// What the oracle leaves of the distance of polytopes that overlap, m.
+constexpr double theOracleRounding = 1e-14;
+/// What a plane may miss of the distance that it proves, m: its normal is that of a rounded separation.
+constexpr double theProofRounding = 1e-8;
+/// Depths below it, m, are only checked not to be too deep when they are proven.
+constexpr double theShallow = 1e-4;
 constexpr unsigned int theNumberOfBodies = 200;
 /// More edges take the oracle of depths too long.
 constexpr std::size_t theMostVerticesForDepths = 64;
 
+/// What grazes (closer than theGraze) may be off by this, m: the robust engine's band for bodies of 2 m is a fifth.
+constexpr double theGrazeLimit = 1e-8;
+/// Directions among which a depth of curved solids must be the least.
+constexpr int theDirections = 300;
+
 struct Tally {
+  int grazing = 0, grazeOff = 0;
   int apart = 0, off = 0, near = 0, warmOff = 0;
   double worst = 0.0, worstLength = 0.0;
   int overlapping = 0, takenForApart = 0, withoutDepth = 0, depthsChecked = 0, depthsOff = 0;
@@ -64,7 +88,7 @@ oracle::Points turned(oracle::Points const& directions, Pose const& T) {
 double query(ZuGJK& engine, Body const& a, Body const& b, Pose const& T1, Pose const& T2, ZuVector& separation) {
   ZuVector witness1, witness2;
   double distance = 0.0;
-  engine.distance(a.shape, b.shape, T1, T2, true, witness1, witness2, distance, &separation);
+  engine.distance(a.asked(), b.asked(), T1, T2, true, witness1, witness2, distance, &separation);
   return distance;
 }
 
@@ -72,7 +96,7 @@ void checkApart(ZuGJK& engine, Body const& a, Body const& b, Pose const& T1, Pos
                 double distance, ZuVector separation, RandomValues& r, Tally& tally) {
   ++tally.apart;
   double const error = distance - truth;
-  tally.off += error > theLimit * truth ? 1 : 0;
+  tally.off += error > theLimit * truth + (a.isCurved() || b.isCurved() ? theProofRounding : 0.0) ? 1 : 0;
   tally.near += error < -1e-9 * truth ? 1 : 0;
   tally.worst = std::max(tally.worst, error / truth);
   tally.worstLength = std::max(tally.worstLength, error);
@@ -80,7 +104,7 @@ void checkApart(ZuGJK& engine, Body const& a, Body const& b, Pose const& T1, Pos
   Pose const nearby(T2.translation() + r.vector(0.01), T2.orientation());
   ZuVector warm = separation;
   query(engine, a, b, T1, nearby, warm);
-  tally.warmOff += query(engine, a, b, T1, T2, warm) - truth > theLimit * truth ? 1 : 0;
+  tally.warmOff += query(engine, a, b, T1, T2, warm) - truth > theLimit * truth + theProofRounding ? 1 : 0;
 }
 
 void checkOverlap(Body const& a, Body const& b, oracle::Points const& pointsA, oracle::Points const& pointsB,
@@ -101,44 +125,123 @@ void checkOverlap(Body const& a, Body const& b, oracle::Points const& pointsA, o
   tally.worstDepth = std::max(tally.worstDepth, error);
 }
 
-Tally compare(std::vector<Body> const& bodies, int pairs, int depths, std::uint64_t seed) {
-  RandomValues r(seed);
-  ZuGJK engine;
-  Tally tally;
-  auto const count = static_cast<unsigned int>(bodies.size());
-  for (int k = 0; k < pairs; ++k) {
-    Body const &a = bodies[r.index(count)], &b = bodies[r.index(count)];
-    Pose const T1(ZuVector(), r.orientation()), T2(r.direction() * r.real(0.0, 3.0), r.orientation());
-    oracle::Points const pointsA = oracle::placed(a.shape.vertices(), T1);
-    oracle::Points const pointsB = oracle::placed(b.shape.vertices(), T2);
-    double const truth = oracle::distance(pointsA, pointsB);
-    ZuVector separation;
-    double const distance = query(engine, a, b, T1, T2, separation);
-    if (truth > theGraze) {
-      checkApart(engine, a, b, T1, T2, truth, distance, separation, r, tally);
-    } else {
-      bool const checkDepth = tally.depthsChecked < depths;
-      Body const none;
-      checkOverlap(checkDepth ? a : none, b, pointsA, pointsB, T1, T2, distance, tally);
-    }
+/// Of a pair whose depth is known, or known to be at most this.
+void checkKnownDepth(double depth, double distance, Tally& tally) {
+  ++tally.overlapping;
+  if (distance > theGrazeLimit) {
+    tally.takenForApart += depth > theGrazeLimit ? 1 : 0;
+    return;
   }
-  return tally;
+  if (distance > 0.0) ++tally.withoutDepth;
+  ++tally.depthsChecked;
+  double const error = -distance < theShallow ? -distance - depth : std::abs(depth + distance);
+  tally.depthsOff += error > theLimit ? 1 : 0;
+  tally.worstDepth = std::max(tally.worstDepth, error);
 }
 
 void printHeader() {
   std::printf(
-      "| bodies | apart | off by > 1e-6 | warm | worst, relative | worst, m | too near | overlapping | taken "
+      "| bodies | engine | grazing | off by > 1e-8 m | apart | off by > 1e-6 | warm | worst, relative | worst, m | too "
+      "near | overlapping | taken "
       "for apart | without depth | depths checked | off by > 1e-6 | worst, m |\n"
-      "|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
+      "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n");
 }
 
-void print(char const* name, Tally const& t) {
+void print(char const* name, char const* engine, Tally const& t) {
   double const percent = 100.0 / std::max(t.apart, 1);
-  std::printf("| %s | %d | %.2f %% | %.2f %% | %.2g | %.2g | %d | %d | %.2f %% | %d | %d | %d | %.1e |\n", name,
-              t.apart, t.off * percent, t.warmOff * percent, t.worst, t.worstLength, t.near, t.overlapping,
-              100.0 * t.takenForApart / std::max(t.overlapping, 1), t.withoutDepth, t.depthsChecked, t.depthsOff,
-              t.worstDepth);
+  std::printf(
+      "| %s | %s | %d | %d | %d | %.2f %% | %.2f %% | %.2g | %.2g | %d | %d | %.2f %% | %d | %d | %d | %.1e |\n", name,
+      engine, t.grazing, t.grazeOff, t.apart, t.off * percent, t.warmOff * percent, t.worst, t.worstLength, t.near,
+      t.overlapping, 100.0 * t.takenForApart / std::max(t.overlapping, 1), t.withoutDepth, t.depthsChecked, t.depthsOff,
+      t.worstDepth);
   std::fflush(stdout);
+}
+
+/// An engine under test, with its answer to the pair.
+struct Subject {
+  char const* name;
+  ZuGJK& engine;
+  Tally tally;
+  double distance;
+  ZuVector separation;
+};
+
+/// The support value of the difference set: what moving along the unit vector n must do to separate the solids.
+double supportValue(Body const& a, Body const& b, Pose const& T1, Pose const& T2, ZuVector const& n) {
+  ZuVector const p = a.asked().computeSupportPoint(T1.orientation().inverseTimes(n));
+  ZuVector const q = b.asked().computeSupportPoint(T2.orientation().inverseTimes(-n));
+  return n.dot(T1 * p - T2 * q);
+}
+
+/// Of curved solids: the best proven lower bound of the distance when it is above 0, otherwise minus the least depth
+/// found. The hint is the normal of a pair that grazes, whose own separation is too short to tell.
+double provenDistance(Body const& a, Body const& b, Pose const& T1, Pose const& T2, ZuVector const& hint,
+                      Subject const* subjects, RandomValues& r) {
+  double least = std::numeric_limits<double>::infinity();
+  for (ZuVector const& along : {hint, subjects[0].separation, subjects[1].separation}) {
+    ZuVector const n = along.unitVector();
+    for (double const sign : {1.0, -1.0}) {
+      if (n != ZuVector()) least = std::min(least, supportValue(a, b, T1, T2, n * sign));
+    }
+  }
+  for (int i = 0; i < theDirections && least > 0.0; ++i) {
+    least = std::min(least, supportValue(a, b, T1, T2, r.direction()));
+  }
+  return -least;
+}
+
+/// Of polytopes and of solids about them: 0 for cores that overlap, when there are depths to check.
+double trueDistance(Body const& a, Body const& b, oracle::Points const& pointsA, oracle::Points const& pointsB) {
+  return oracle::distance(pointsA, pointsB) - a.radius - b.radius;
+}
+
+void checkPair(Body const& a, Body const& b, Pose const& T1, Pose const& T2, int depths, ZuVector const& hint,
+               RandomValues& r, Subject* subjects) {
+  bool const isProven = a.isCurved() || b.isCurved();
+  oracle::Points const pointsA = oracle::placed(a.shape.vertices(), T1),
+                       pointsB = oracle::placed(b.shape.vertices(), T2);
+  for (int i = 0; i < 2; ++i) {
+    subjects[i].separation = ZuVector();
+    subjects[i].distance = query(subjects[i].engine, a, b, T1, T2, subjects[i].separation);
+  }
+  double const truth =
+      isProven ? provenDistance(a, b, T1, T2, hint, subjects, r) : trueDistance(a, b, pointsA, pointsB);
+  for (int i = 0; i < 2; ++i) {
+    Subject& s = subjects[i];
+    if (truth > theGraze) {
+      checkApart(s.engine, a, b, T1, T2, truth, s.distance, s.separation, r, s.tally);
+    } else if (truth > theOracleRounding) {
+      ++s.tally.grazing;
+      s.tally.grazeOff += std::abs(s.distance - truth) > theGrazeLimit ? 1 : 0;
+    } else if (isProven || a.radius + b.radius > 0.0) {
+      checkKnownDepth(-truth, s.distance, s.tally);
+    } else {
+      bool const checkDepth = s.tally.depthsChecked < depths;
+      Body const none;
+      checkOverlap(checkDepth ? a : none, b, pointsA, pointsB, T1, T2, s.distance, s.tally);
+    }
+  }
+}
+
+void compare(char const* name, std::vector<Body> const& bodies, int pairs, int depths, std::uint64_t seed) {
+  RandomValues r(seed);
+  ZuGJK engine;
+  ZuRobustGJK robustEngine;
+  Subject subjects[2] = {{"default", engine, {}, 0.0, {}}, {"robust", robustEngine, {}, 0.0, {}}};
+  auto const count = static_cast<unsigned int>(bodies.size());
+  for (int k = 0; k < pairs; ++k) {
+    Body const &a = bodies[r.index(count)], &b = bodies[r.index(count)];
+    Pose const T1(ZuVector(), r.orientation()), T2(r.direction() * r.real(0.0, 3.0), r.orientation());
+    ZuVector separation;
+    if (k % 4 != 0) {
+      checkPair(a, b, T1, T2, depths, ZuVector(), r, subjects);
+    } else if (query(robustEngine, a, b, T1, T2, separation) != 0.0) {
+      double const gap = r.scale(1e-12, 1e-3) * (k % 8 == 0 ? 1.0 : -1.0);
+      Pose const grazing(T2.translation() + separation - separation.unitVector() * gap, T2.orientation());
+      checkPair(a, b, T1, grazing, depths, separation, r, subjects);
+    }
+  }
+  for (Subject const& s : subjects) print(name, s.name, s.tally);
 }
 
 std::vector<Body> randomBodies(unsigned int vertices) {
@@ -147,6 +250,36 @@ std::vector<Body> randomBodies(unsigned int vertices) {
   for (Body& body : bodies) {
     body.shape = randomHull(r, vertices);
     if (vertices <= theMostVerticesForDepths) findEdgesAndNormals(body);
+  }
+  return bodies;
+}
+
+std::vector<Body> solids(char const* kind) {
+  RandomValues r(kind[0] + kind[1]);
+  std::vector<Body> bodies(theNumberOfBodies);
+  unsigned int k = 0;
+  for (Body& body : bodies) {
+    ZuVector const size(r.real(0.3, 1.0), r.real(0.3, 1.0), r.real(0.3, 1.0)), half = ZuVector::zVector(size.z());
+    std::string const is = std::string(kind) == "mixed"
+                               ? std::vector<std::string>{"cylinder", "cone", "ellipsoid", "capsule", "box"}[k++ % 5]
+                               : kind;
+    bool const isCurved = is == "cylinder" || is == "cone" || is == "ellipsoid" || std::string(kind) == "mixed";
+    if (isCurved) body.shape = HullShape(std::vector<ZuVector>());
+    if (is == "box") {
+      body.solid = std::make_shared<ZuBox>(Pose(), size);
+      if (!isCurved) body.shape = HullShape::box(2.0 * size.x(), 2.0 * size.y(), 2.0 * size.z());
+      if (!isCurved) findEdgesAndNormals(body);
+    } else if (is == "capsule") {
+      body.solid = std::make_shared<ZuCapsule>(ZuLineSegment(-half, half), 0.5 * size.x());
+      if (!isCurved) body.shape = HullShape({-half, half});
+      body.radius = 0.5 * size.x();
+    } else if (is == "cylinder") {
+      body.solid = std::make_shared<ZuCylinder>(ZuLineSegment(-half, half), size.x());
+    } else if (is == "cone") {
+      body.solid = std::make_shared<ZuCone>(ZuLineSegment(-half, half), size.x());
+    } else {
+      body.solid = std::make_shared<ZuEllipsoid>(Pose(), size);
+    }
   }
   return bodies;
 }
@@ -199,10 +332,13 @@ std::vector<Body> meshBodies(char const* folder) {
 int main(int argc, char** argv) {
   int const pairs = argc > 1 ? std::atoi(argv[1]) : 100000;
   printHeader();
+  compare("boxes", solids("box"), pairs, pairs / 10, 1);
+  for (char const* kind : {"capsule", "cylinder", "cone", "ellipsoid", "mixed"})
+    compare(kind, solids(kind), pairs, 0, 1);
   for (unsigned int const vertices : {8U, 64U, 512U, 4096U}) {
-    int const depths = vertices <= 8 ? pairs : vertices <= theMostVerticesForDepths ? pairs / 100 : 0;
-    print((std::to_string(vertices) + " vertices").c_str(), compare(randomBodies(vertices), pairs, depths, 1));
+    int const depths = vertices <= 8 ? pairs / 10 : vertices <= theMostVerticesForDepths ? pairs / 100 : 0;
+    compare((std::to_string(vertices) + " vertices").c_str(), randomBodies(vertices), pairs, depths, 1);
   }
-  if (argc > 2) print("hulls of meshes", compare(meshBodies(argv[2]), pairs, 0, 2));
+  if (argc > 2) compare("hulls of meshes", meshBodies(argv[2]), pairs, 0, 2);
   return 0;
 }

@@ -51,10 +51,10 @@ ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSi
   Ending const ending = expand(set, tolerance, maxExpansions, depth);
   if (ending == SEPARATED) return APART;
   depth.lower = std::min(m_Lower, m_Upper);
-  bool const isCoarse = ending == ENOUGH || m_Expansions > theFineExpansions;
   double const gap = tolerance * m_Size + m_Noise;
-  bool const isFound = finish(isCoarse ? settle(set, gap) : -1, gap, set.extent(), depth);
-  if (!isFound) depth.normal = m_UpperNormal;
+  bool const isCoarse = ending == ENOUGH || m_Upper - m_Lower > gap;
+  if (isCoarse) settle(set, gap);
+  bool const isFound = finish(gap, set.extent(), depth);
   depth.upper = m_Upper;
   return isFound ? FOUND : FLAT;
 }
@@ -86,19 +86,18 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
 }
 
 /// Goes down from the least upper bound to a minimum of it: where the ray along its normal leaves the set, the normal
-/// has a support value that is not larger. Returns the facet there.
-int ZuDepthPolytope::settle(ZuCoreDifference& set, double gap) {
+/// has a support value that is not larger.
+void ZuDepthPolytope::settle(ZuCoreDifference& set, double gap) {
   int facet = facetAlong(m_UpperNormal);
   for (unsigned int i = 0; i < theLocalExpansions && m_Facets[facet].height < m_Upper - gap; ++i) {
     ZuCorePoint point;
     double const h = supportValue(set, facet, point);
     bool const isFound = !(h > m_Facets[facet].height + gap);
-    if (!isFound && !insert(point, facet)) return facet;
+    if (!isFound && !insert(point, facet)) return;
     int const next = facetAlong(m_UpperNormal);
-    if (isFound && next == facet) return facet;
+    if (isFound && next == facet) return;
     facet = next;
   }
-  return facet;
 }
 
 /// The support value of the facet's normal, which bounds the depth from above.
@@ -259,13 +258,15 @@ int ZuDepthPolytope::nextNearest() {
   return -1;
 }
 
-/// The facet through which a ray from the origin leaves the polytope.
+/// The facet through which a ray from the origin leaves the polytope. Facets below the lower bound are slim ones that
+/// could not be expanded.
 int ZuDepthPolytope::facetAlong(ZuVector const& direction) const {
   int first = 0;
   double least = theFarthest;
   for (int f = 0; f < static_cast<int>(m_Facets.size()); ++f) {
     double const slope = m_Facets[f].normal.dot(direction);
-    if (!m_Facets[f].isLive || !(slope > 0.0) || !(m_Facets[f].height / slope < least)) continue;
+    if (!m_Facets[f].isLive || !(slope > 0.0) || m_Facets[f].height < m_Lower || !(m_Facets[f].height / slope < least))
+      continue;
     least = m_Facets[f].height / slope;
     first = f;
   }
@@ -358,45 +359,44 @@ void ZuDepthPolytope::closeHorizon() {
 
 // The answer.
 
-/// The nearest point of the facet, or, when there is none, of the surface. It has faces of several facets, whose
-/// heights differ by rounding: the facet of the least height need not be the one that holds the nearest point.
-bool ZuDepthPolytope::finish(int only, double gap, double extent, Depth& depth) const {
-  double const lowest = std::min(m_Lower, m_Upper) - gap, highest = std::max(m_Lower, m_Upper) + gap;
-  double const farthest = std::max(m_Upper, 0.0) + theSlack * gap;
+/// The point of the surface in the direction of the least upper bound: the ray leaves the polytope not before the lower
+/// bound, and the set not after the upper one. Of facets it is told by the distance from where the bounds meet, which
+/// slim facets, whose normals and heights are rough, tell as well as others. False when the set is so thin that
+/// rounding leaves no facet there.
+bool ZuDepthPolytope::finish(double gap, double extent, Depth& depth) const {
+  ZuVector const target = m_UpperNormal * m_Upper;
+  double const highest = std::max(m_Lower, m_Upper) + gap, allowed = theSlack * gap;
   double least = theFarthest;
-  if (only >= 0) takeIfNearer(m_Facets[only], least, depth);
-  // Through an origin on the surface go planes of facets that are none of the set's: the proven one has the normal.
-  for (double const slope : {theSameNormal, -1.0}) {
-    if (least <= farthest * farthest) return true;
-    for (Facet const& facet : m_Facets) {
-      // Below the lower bound are slim facets that could not be expanded.
-      bool const isNear = facet.isLive && facet.height <= highest && facet.height >= lowest;
-      bool const isCandidate = isNear && facet.normal.dot(m_UpperNormal) >= slope;
-      if (isCandidate) takeIfNearer(facet, least, depth);
-    }
+  for (Facet const& facet : m_Facets) {
+    bool const isLikely = facet.isLive && facet.height <= highest && facet.normal.dot(m_UpperNormal) >= theSameNormal;
+    if (isLikely) takeIfNearer(facet, target, least, depth);
   }
-  return least <= farthest * farthest || !(m_Upper <= theDoubtful * extent);
+  for (Facet const& facet : m_Facets) {
+    if (least <= allowed * allowed) break;
+    if (facet.isLive) takeIfNearer(facet, target, least, depth);
+  }
+  depth.normal = m_UpperNormal;
+  return std::sqrt(least) <= allowed + theDoubtful * m_Size || !(m_Upper <= theDoubtful * extent);
 }
 
-void ZuDepthPolytope::takeIfNearer(Facet const& facet, double& least, Depth& depth) const {
-  ZuCorePoint const &a = m_Points[facet.corner[0]], &b = m_Points[facet.corner[1]], &c = m_Points[facet.corner[2]];
-  ZuVector const ab = b.y - a.y, ac = c.y - a.y, normal = ab.cross(ac);
+void ZuDepthPolytope::takeIfNearer(Facet const& facet, ZuVector const& target, double& least, Depth& depth) const {
+  ZuCorePoint const &p = m_Points[facet.corner[0]], &q = m_Points[facet.corner[1]], &r = m_Points[facet.corner[2]];
+  ZuVector const a = p.y - target, b = q.y - target, c = r.y - target, ab = b - a, ac = c - a, normal = ab.cross(ac);
   ZuVector w;
-  ZuSimplex::nearestOnTriangle(a.y, b.y, c.y, normal, w);
+  ZuSimplex::nearestOnTriangle(a, b, c, normal, w);
   // The weights of a slim facet are rough: what counts is the point that they give, once corrected by what it is off.
-  ZuVector nearest = a.y * w.x() + b.y * w.y() + c.y * w.z();
+  ZuVector off = a * w.x() + b * w.y() + c * w.z();
   double change[3];
-  if (w.x() > 0.0 && w.y() > 0.0 && w.z() > 0.0 && ZuSimplex::triangleWeights(nearest, ab, ac, normal, change)) {
+  if (w.x() > 0.0 && w.y() > 0.0 && w.z() > 0.0 && ZuSimplex::triangleWeights(off, ab, ac, normal, change)) {
     ZuVector const corrected(w.x() - change[0] - change[1], w.y() + change[0], w.z() + change[1]);
     if (corrected.x() > 0.0 && corrected.y() > 0.0 && corrected.z() > 0.0) w = corrected;
-    nearest = a.y * w.x() + b.y * w.y() + c.y * w.z();
+    off = a * w.x() + b * w.y() + c * w.z();
   }
-  if (!(nearest.magSquared() < least)) return;
-  least = nearest.magSquared();
-  depth.normal = facet.normal;
-  depth.nearest.y = nearest;
-  depth.nearest.p = a.p * w.x() + b.p * w.y() + c.p * w.z();
-  depth.nearest.q = a.q * w.x() + b.q * w.y() + c.q * w.z();
+  if (!(off.magSquared() < least)) return;
+  least = off.magSquared();
+  depth.nearest.y = p.y * w.x() + q.y * w.y() + r.y * w.z();
+  depth.nearest.p = p.p * w.x() + q.p * w.y() + r.p * w.z();
+  depth.nearest.q = p.q * w.x() + q.q * w.y() + r.q * w.z();
 }
 
 bool ZuDepthPolytope::isValid() const {

@@ -69,7 +69,7 @@ class ZuDepthPolytope {
   };
 
   Ending expand(ZuCoreDifference& set, double tolerance, unsigned int limit, Depth& depth);
-  int settle(ZuCoreDifference& set, double gap);
+  void settle(ZuCoreDifference& set, double gap);
   double supportValue(ZuCoreDifference& set, int facet, ZuCorePoint& point);
   double patience() const;
   bool start(ZuCoreDifference& set, ZuCoreSimplex const& simplex, Depth& depth);
@@ -87,8 +87,8 @@ class ZuDepthPolytope {
   bool isOneLoop(ZuVector const& w);
   void closeHorizon();
   int facetAlong(ZuVector const& direction) const;
-  bool finish(int only, double gap, double extent, Depth& depth) const;
-  void takeIfNearer(Facet const& facet, double& least, Depth& depth) const;
+  bool finish(double gap, double extent, Depth& depth) const;
+  void takeIfNearer(Facet const& facet, ZuVector const& target, double& least, Depth& depth) const;
 
   std::vector<ZuCorePoint> m_Points;
   std::vector<Facet> m_Facets;
