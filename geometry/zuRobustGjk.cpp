@@ -19,6 +19,8 @@ constexpr unsigned int theMostExpansions = 2048;
 /// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is
 /// inside at a distance of this. Smaller, the iteration chases its own rounding.
 constexpr double theRounding = 8.0 * 0x1p-52;
+/// A distance that is less than this part of the largest numbers is 0 for cores that are too thin to have a depth.
+constexpr double theThin = 1e-9;
 /// Vectors of the set that are longer than this part of its largest numbers have a direction, to 1e-10.
 constexpr double theStraightLength = 1e-5;
 /// Steps of an iteration; polytopes take 5 to 20, curved solids up to 60.
@@ -75,31 +77,47 @@ class ZuRobustGJK::Iteration {
  public:
   Iteration(ZuCoreDifference& set, double tolerance) : m_Set(set), m_Tolerance(tolerance) {}
 
+  /// Starts again, from the nearest point found, where rounding left no proof: the simplex has become slim then, and
+  /// one of new points, in nearly the right direction, is better.
   void run(ZuVector const& start) {
-    m_V = start.unitVector();
-    if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
-    ZuCorePoint first;
-    m_Set.support(-m_V, first);
-    m_Bound = m_V.dot(first.y);
-    m_First = m_V = first.y;
-    m_Simplex.take(first);
-    m_Square = m_V.magSquared();
-    m_Overlaps = !(m_Square > noise() * noise());
-    int steps = 1;
-    do {
-      while (steps < theMostSteps && !m_Overlaps && step()) ++steps;
-    } while (m_Overlaps && !isProven());
-    if (!m_IsDone) m_Result = m_Simplex.mean();
-    // So near that the polytope has to tell, when rounding left the iteration no proof.
-    double const length = m_Result.y.mag();
-    if (length - m_Bound > theSlack * band() && length <= theDoubtful * m_Set.extent()) m_Overlaps = true;
+    runOnce(start);
+    for (int i = 0; i < theMostStarts && !m_Overlaps && !isCertified(); ++i) {
+      ZuCorePoint const before = m_Result;
+      runOnce(before.y);
+      if (!m_Overlaps && before.y.magSquared() < m_Result.y.magSquared()) m_Result = before;
+    }
+    // So near that the polytope has to tell.
+    double const length = m_Result.y.mag(), extent = m_Set.extent();
+    double const doubtful = length - m_Bound > theDoubtfulGap * extent ? theDoubtful : theGraze;
+    if (!isCertified() && length <= doubtful * extent) m_Overlaps = true;
   }
   bool overlaps() const { return m_Overlaps; }
+  /// Distances up to this are rounding, m.
+  double rounding() const { return theSlack * band(); }
   ZuCoreSimplex const& simplex() const { return m_Simplex; }
   /// The nearest point; of an overlap, one within rounding of the origin.
   ZuCorePoint const& result() const { return m_Result; }
 
  private:
+  void runOnce(ZuVector const& start) {
+    m_V = start.unitVector();
+    if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
+    ZuCorePoint first;
+    m_Set.support(-m_V, first);
+    m_Bound = std::max(m_Bound, m_V.dot(first.y));
+    m_First = m_V = first.y;
+    m_Simplex.take(first);
+    m_Square = m_V.magSquared();
+    m_Overlaps = !(m_Square > noise() * noise());
+    m_IsDone = m_IsMean = false;
+    m_Recoveries = 0;
+    int steps = 1;
+    do {
+      while (steps < theMostSteps && !m_Overlaps && step()) ++steps;
+    } while (m_Overlaps && !isProven());
+    if (!m_IsDone) m_Result = m_Simplex.mean();
+  }
+  bool isCertified() const { return m_Result.y.mag() - m_Bound <= theSlack * band(); }
   double noise() const { return theRounding * m_Set.extent(); }
   double band() const { return m_Tolerance * m_Size + noise(); }
 
@@ -181,10 +199,12 @@ class ZuRobustGJK::Iteration {
     m_Overlaps = m_IsDone = false;
   }
 
+  static constexpr int theMostStarts = 3;
   /// How often a mean is corrected.
   static constexpr int theRefinements = 3;
-  /// Distances without proof that are less than this part of the largest numbers count as overlaps.
-  static constexpr double theDoubtful = 1e-9;
+  /// Distances without proof that are less than this part of the largest numbers, or than the other when the gap of
+  /// their bounds is wide, a part of the same numbers, are for the polytope to judge.
+  static constexpr double theGraze = 1e-9, theDoubtful = 1e-6, theDoubtfulGap = 2e-10;
   /// How much wider than the band a gap may be that rounding leaves.
   static constexpr double theSlack = 4.0;
 
@@ -192,8 +212,9 @@ class ZuRobustGJK::Iteration {
   ZuCoreSimplex m_Simplex;
   ZuCorePoint m_Result, m_Best;
   ZuVector m_V, m_First;
-  double m_Tolerance, m_Square = 0.0, m_Bound = 0.0;
-  double m_Size = 0.0;  ///< of the set, as far as it was seen
+  double m_Tolerance, m_Square = 0.0;
+  double m_Bound = -std::numeric_limits<double>::infinity();  ///< of the distance, from below
+  double m_Size = 0.0;                                        ///< of the set, as far as it was seen
   int m_Recoveries = 0;
   bool m_Overlaps = false, m_IsDone = false;
   bool m_IsMean = false;  ///< the simplex is one point, the mean of an earlier one
@@ -266,8 +287,14 @@ bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool compu
   iteration.run(v);
   answer.point = iteration.result();
   if (iteration.overlaps()) {
-    if (!computePenetration) return set.isInRange();
-    return findDepth(set, iteration, answer);
+    if (computePenetration) return findDepth(set, iteration, answer);
+    // What the iteration only suspects to overlap, the polytope judges.
+    Answer judged;
+    if (answer.point.y.mag() > theThin * set.extent() && findDepth(set, iteration, judged) &&
+        judged.distance + radii > 0.0) {
+      answer = judged;
+    }
+    return set.isInRange();
   }
   double const length = answer.point.y.mag();
   answer.normal = answer.point.y * (1.0 / length);
@@ -294,19 +321,16 @@ bool ZuRobustGJK::findDepth(ZuCoreDifference& set, Iteration& iteration, Answer&
     m_DepthGap = std::max(0.0, depth.upper - depth.lower);
     return true;
   }
-  if (outcome == ZuDepthPolytope::APART) {
-    Iteration again(set, m_Tolerance);
-    again.run(answer.normal);
-    answer.point = again.result();
-    double const length = answer.point.y.mag();
-    if (!again.overlaps()) {
-      answer.normal = answer.point.y * (1.0 / length);
-      answer.distance = length - radii;
-      return set.isInRange();
-    }
-  }
-  answer.distance = 0.0 - radii;
-  return true;
+  // Apart after all, or too thin for a depth: what the iteration found stands, unless that was a common point.
+  Iteration again(set, m_Tolerance);
+  if (outcome == ZuDepthPolytope::APART) again.run(answer.normal);
+  Iteration const& found = outcome == ZuDepthPolytope::APART && !again.overlaps() ? again : iteration;
+  answer.point = found.result();
+  double const length = answer.point.y.mag();
+  bool const isApart = length > (outcome == ZuDepthPolytope::APART ? found.rounding() : theThin * set.extent());
+  if (isApart) answer.normal = answer.point.y * (1.0 / length);
+  answer.distance = (isApart ? length : 0.0) - radii;
+  return set.isInRange();
 }
 
 bool ZuRobustGJK::penetration(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
