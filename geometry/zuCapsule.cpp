@@ -7,7 +7,9 @@
 #include "foundation/zuPrint.h"
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTokens.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuNearestPoints.h"
 #include "geometry/zuPointFit.h"
 #include "geometry/zuPolyPhysicalExtent.h"
@@ -85,9 +87,9 @@ PlainCapsule shortest(Axis const& axis, double radius, ZuVector const* points, s
   return {ZuPlainSegment::between(axis.origin + first * axis.unit, axis.origin + last * axis.unit), radius};
 }
 
-/// The least capsule on the axis that holds the points: a search over its radius, from both ends, for the volume can
-/// fall again towards the ball.
-ZuCapsule leastOnAxis(Axis const& axis, std::initializer_list<ZuVector> points) {
+/// The least capsule on the axis that holds the balls of one radius about the points: a search over its radius, from
+/// both ends, for the volume can fall again towards the ball.
+ZuCapsule leastOnAxis(Axis const& axis, std::initializer_list<ZuVector> points, double ballRadius = 0.0) {
   double const reach = axis.reach(points.begin(), points.size());
   double const size = ZuPointSpread(points.begin(), points.size()).size;
   using Search = ZuSimplexSearch<1>;
@@ -96,13 +98,13 @@ ZuCapsule leastOnAxis(Axis const& axis, std::initializer_list<ZuVector> points) 
   };
   auto const measure = [&](Search::Point const& x) {
     PlainCapsule const c = capsule(x);
-    return capsuleVolume(std::sqrt(c.core.lengthSquared), c.radius);
+    return capsuleVolume(std::sqrt(c.core.lengthSquared), c.radius + ballRadius);
   };
   Search::Result const thin = Search::minimum(measure, {0.0}, theStepOfRadius, theStartsOfRadius);
   Search::Result const thick = Search::minimum(measure, {1.0}, theStepOfRadius, theStartsOfRadius);
   PlainCapsule result = capsule(thick.value < thin.value ? thick.x : thin.x);
   result.takeIn(points.begin(), points.size());
-  return ZuCapsule(ZuLineSegment(result.core.endpoint0, result.core.endpoint1), result.radius);
+  return ZuCapsule(ZuLineSegment(result.core.endpoint0, result.core.endpoint1), result.radius + ballRadius);
 }
 
 /// On the axis of the solid, which is the hull of its two rims. A capsule on the axis holds a rim when it holds a point
@@ -226,6 +228,31 @@ std::vector<ZuOutlinePoint> capsuleOutline(double length, double radius, unsigne
   return outline;
 }
 
+/// Along the longest axis, of the middle semi-axis b as radius. No capsule on that axis is smaller: one of the radius r
+/// >= b needs the core a - r to reach the pole of the longest semi-axis a, and its volume rises with r. It is enough:
+/// beyond the end of the core, at c = a - b, the squared distance of the ellipse's points from that end, (x - c)^2 +
+/// b^2
+/// - b^2 x^2 / a^2, is convex in x, and at most b^2 at x = c and at x = a.
+ZuCapsule around(ZuEllipsoid const& ellipsoid) {
+  ZuVector const& radii = ellipsoid.radii();
+  double const r[] = {std::abs(radii.x()), std::abs(radii.y()), std::abs(radii.z())};
+  unsigned int const longest = r[0] >= r[1] && r[0] >= r[2] ? 0 : r[1] >= r[2] ? 1 : 2;
+  double const middle = std::max(r[(longest + 1) % 3], r[(longest + 2) % 3]);
+  ZuVector axis;
+  axis[longest] = r[longest] - middle;
+  axis = ellipsoid.primaryFrame().orientation() * axis;
+  return ZuCapsule(ZuLineSegment(ellipsoid.center() - axis, ellipsoid.center() + axis), middle);
+}
+
+/// Along the longer edges.
+ZuCapsule around(ZuLozenge const& lozenge) {
+  ZuRectangle const& core = lozenge.rectangle();
+  unsigned int const longer = core.halfEdge(0).magSquared() < core.halfEdge(1).magSquared() ? 1 : 0;
+  return leastOnAxis(
+      {core.center(), ZuFrustum::along(ZuPlainSegment::between(ZuVector(), core.halfEdge(longer)), 0, 0).axis},
+      {core.corner(0), core.corner(1), core.corner(2), core.corner(3)}, std::max(0.0, lozenge.radius()));
+}
+
 }  // namespace
 
 bool ZuCapsule::operator==(ZuCapsule const& other) const {
@@ -246,6 +273,10 @@ void ZuCapsule::fitFromShape(ZuShape const& other) {
     case TETRAHEDRON:
     case BOX:
       return fitToPoints(other.physicalExtent().points());
+    case ELLIPSOID:
+      return become(around(as<ZuEllipsoid>(other)));
+    case LOZENGE:
+      return become(around(as<ZuLozenge>(other)));
     case CYLINDER: {
       ZuCylinder const& cylinder = as<ZuCylinder>(other);
       return become(around(ZuFrustum::along(cylinder.lineSegment().plain(), cylinder.radius(), cylinder.radius())));

@@ -38,7 +38,9 @@ class ZU_API ZuCapsule : public ZuXmlClass<ZuCapsule, ZuShape> {
   // Overrides; see ZuShape
 
   /// Exact for spheres and capsules. Mesh, box, tetrahedron: fitToPoints() of the vertices. Cylinder, cone: the least
-  /// capsule with its core on the same axis. All of them enclose. Anything else prints a line.
+  /// capsule with its core on the same axis. Lozenge: the least along its longer edge. Ellipsoid: the least along its
+  /// longest axis.
+  /// All of them enclose. Anything else prints a line.
   void fitFromShape(ZuShape const& other) override;
   /// The same as supportPoint().
   ZuVector computeSupportPoint(ZuVector const& direction) const override;

@@ -179,6 +179,19 @@ void ZuCone::fitFromShape(ZuShape const& other) {
       ZuCapsule const& capsule = as<ZuCapsule>(other);
       return become(aroundCapsule(capsule.lineSegment().plain(), capsule.radius()));
     }
+    case ELLIPSOID: {
+      // The least cone around a ball of radius 1, 4 high and the root of 2 in radius, stretched.
+      ZuCylinder around;
+      around.fitFromShape(other);
+      ZuFrustum cone = ZuFrustum::along(around.lineSegment().plain(), std::sqrt(2.0) * around.radius(), 0.0);
+      cone.length *= 2.0;
+      return become(cone);
+    }
+    case LOZENGE: {
+      ZuCapsule around;
+      around.fitFromShape(other);
+      return become(aroundCapsule(around.lineSegment().plain(), around.radius()));
+    }
     case CYLINDER: {
       // By the rule of leastOnLine(), for its upper rim.
       ZuCylinder const& cylinder = as<ZuCylinder>(other);

@@ -42,8 +42,9 @@ class ZU_API ZuCone : public ZuXmlClass<ZuCone, ZuConvexSolid> {
   using ZuConvexSolid::distanceTo;
 
   /// Mesh, box, tetrahedron: fitToPoints() of the vertices. A cone: the same. Sphere, capsule, cylinder: the least cone
-  /// about the same axis, upright on endpoint 0 of it, or along (0, 0, 1) when it has length 0. All of them enclose.
-  /// Anything else prints a line.
+  /// about the same axis, upright on endpoint 0 of it, or along (0, 0, 1) when it has length 0. A lozenge: that
+  /// of the capsule around it. An ellipsoid: the least along one of its axes. All of them enclose. Anything else prints
+  /// a line.
   void fitFromShape(ZuShape const& other) override;
   /// Exact: the apex (also when the rim is as far), or the point of the rim farthest in the direction; the centre of
   /// the base when the direction is against the axis to rounding. The zero direction gives the centre of the base. A

@@ -8,7 +8,9 @@
 #include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCone.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuGeomTokens.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuPointFit.h"
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "geometry/zuShapePointEvent.h"
@@ -20,8 +22,13 @@ constexpr double thePi = 3.141592653589793;
 /// Times the extent of the points: the least height of a fitted cylinder. Of points in a plane, one of height 0 would
 /// lose the direction of its axis, and a very low one keeps it only to the rounding of its end points.
 constexpr double theLeastHeight = 1e-6;
-/// Growing moves the axis by its rounding, which shows in flat cylinders; a second round takes that in, and a third.
-constexpr int theRoundsOfGrowth = 4;
+/// Growing turns the axis by its rounding, which shows in flat cylinders. Further rounds take that in, and some more:
+/// what the next rounding may cost.
+constexpr int theRoundsOfGrowth = 6;
+constexpr double theReserve = 4.0;
+
+/// m. Solids that are closer, or less deep in each other, count as touching for the engine, which tells no direction.
+constexpr double theTouching = 1e-8;
 
 /// A circle in a plane, given by 2-D points.
 struct FlatPoint {
@@ -179,6 +186,13 @@ void ZuCylinder::fitFromShape(ZuShape const& other) {
       ZuCapsule const& capsule = as<ZuCapsule>(other);
       return takeRoundEnds(capsule.lineSegment(), capsule.radius());
     }
+    case TETRAHEDRON:
+    case BOX:
+      return fitToPoints(other.physicalExtent().points());
+    case ELLIPSOID:
+      return becomeLeastAround(as<ZuEllipsoid>(other));
+    case LOZENGE:
+      return becomeLeastAround(as<ZuLozenge>(other));
     case CYLINDER: {
       ZuCylinder const& cylinder = as<ZuCylinder>(other);
       ZuLineSegment const axis = cylinder.lineSegment();
@@ -193,6 +207,55 @@ void ZuCylinder::fitFromShape(ZuShape const& other) {
     default:
       printNotSupported("ZuCylinder::fitFromShape-->expand", other);
   }
+}
+
+/// Along one of its axes, touching it at the poles and with the longest semi-axis across as radius. A
+/// flat one gets a little height, for the axis to keep its direction.
+void ZuCylinder::becomeLeastAround(ZuEllipsoid const& ellipsoid) {
+  ZuVector const& radii = ellipsoid.radii();
+  double const r[] = {std::abs(radii.x()), std::abs(radii.y()), std::abs(radii.z())};
+  ZuCylinder best;
+  double least = HUGE_VAL;
+  for (unsigned int i = 0; i < 3; ++i) {
+    double const across = std::max(r[(i + 1) % 3], r[(i + 2) % 3]);
+    ZuVector axis;
+    axis[i] = std::max(r[i], theLeastHeight * across);
+    double const measure = across * across * axis[i];
+    if (!(measure < least)) continue;
+    least = measure;
+    axis = ellipsoid.primaryFrame().orientation() * axis;
+    best = ZuCylinder(ZuLineSegment(ellipsoid.center() - axis, ellipsoid.center() + axis), across);
+  }
+  setLineSegment(best.lineSegment());
+  setRadius(best.radius());
+}
+
+/// On an axis through the lozenge's centre: across it, or along its longer edges. A plate without thickness gets a
+/// little, for the axis to keep its direction.
+void ZuCylinder::becomeLeastAround(ZuLozenge const& lozenge) {
+  ZuRectangle const& core = lozenge.rectangle();
+  double const r = std::max(0.0, lozenge.radius());
+  ZuVector const& h0 = core.halfEdge(0);
+  ZuVector const& h1 = core.halfEdge(1);
+  ZuCylinder best;
+  double least = HUGE_VAL;
+  for (ZuVector const& along : {(h0.magSquared() < h1.magSquared() ? h1 : h0).unitVector(), core.normal()}) {
+    ZuVector const axis = along == ZuVector() ? ZuVector::zVector(1.0) : along;
+    double half = 0.0;
+    double reach = 0.0;
+    for (unsigned int i = 0; i < 4; ++i) {
+      ZuVector const w = core.corner(i) - core.center();
+      half = std::max(half, std::abs(w.dot(axis)));
+      reach = std::max(reach, zuAcross(w, axis).mag());
+    }
+    half = std::max(half + r, theLeastHeight * (reach + r));
+    double const measure = (reach + r) * (reach + r) * half;
+    if (!(measure < least)) continue;
+    least = measure;
+    best = ZuCylinder(ZuLineSegment(core.center() - half * axis, core.center() + half * axis), reach + r);
+  }
+  setLineSegment(best.lineSegment());
+  setRadius(best.radius());
 }
 
 /// Encloses the points within the radius of the core.
@@ -348,8 +411,10 @@ bool ZuCylinder::growAround(ZuXmlVectorVector const& points) {
       reach = std::max(reach, zuAcross(p - now.base, now.axis).mag());
     }
     if (low == 0.0 && high == now.length && reach == now.radius0) return round > 0;
-    m_LineSegment.setEndpoints(now.base + low * now.axis, m_LineSegment.endpoint1() + (high - now.length) * now.axis);
-    m_Radius = reach;
+    double const factor = round == 0 ? 1.0 : theReserve;
+    m_LineSegment.setEndpoints(now.base + (factor * low) * now.axis,
+                               m_LineSegment.endpoint1() + (factor * (high - now.length)) * now.axis);
+    m_Radius = round == 0 ? reach : now.radius0 + factor * (reach - now.radius0);
   }
   return true;
 }
@@ -379,7 +444,31 @@ bool ZuCylinder::computePenetrationDistanceAndSupportPoints(ZuShape const& other
                                                             ZuCoordinateSystemTransformation const& xform,
                                                             ZuVector& witness1, ZuVector& witness2, double& distance,
                                                             ZuVector& direction) const {
+  if (other.type() == LOZENGE) {
+    return computePenetrationDistanceAndSupportPoints(as<ZuLozenge>(other), xform, witness1, witness2, distance,
+                                                      direction);
+  }
   return ZuShape::computePenetrationDistanceAndSupportPoints(other, xform, witness1, witness2, distance, direction);
+}
+
+/// With n the unit vector from the cylinder towards the core, witness2 - witness1 is distance * n, in this frame.
+bool ZuCylinder::computePenetrationDistanceAndSupportPoints(ZuLozenge const& lozenge,
+                                                            ZuCoordinateSystemTransformation const& xform,
+                                                            ZuVector& witness1, ZuVector& witness2, double& distance,
+                                                            ZuVector& direction) const {
+  ZuLozenge const core(lozenge.rectangle(), 0.0);
+  ZuVector const start = direction;
+  bool const answered =
+      ZuShape::computePenetrationDistanceAndSupportPoints(core, xform, witness1, witness2, distance, direction);
+  if (!answered || !(std::abs(distance) > theTouching)) {
+    direction = start;
+    return ZuShape::computePenetrationDistanceAndSupportPoints(lozenge, xform, witness1, witness2, distance, direction);
+  }
+  ZuVector const n = direction.unitVector() * (distance > 0.0 ? -1.0 : 1.0);
+  witness2 = xform.inverseTimes(xform * witness2 - n * lozenge.radius());
+  distance -= lozenge.radius();
+  direction = n * -distance;
+  return true;
 }
 
 ZuCapsule const& ZuCylinder::capsuleBoundingVolume() const {

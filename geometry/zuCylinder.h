@@ -9,6 +9,9 @@
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuShape.h"
 
+class ZuEllipsoid;
+class ZuLozenge;
+
 /// The closed set of all points within `radius` of the axis segment's line whose projection on it falls on the segment:
 /// a tube with two flat caps, cap 0 about endpoint 0 and cap 1 about endpoint 1.
 ///
@@ -24,9 +27,11 @@
 /// | 0, 1, 2 mesh            | engine                  | closed form, **as it stands**       | engine |
 /// | 3 sphere                | exact, **as it stands** | closed form, **as it stands**       | engine |
 /// | 4 capsule               | exact, **as it stands** | not answered                        | engine |
-/// | 5 to 9, ... half-space  | engine                  | not answered                        | engine |
+/// | 5 to 9, ... half-space  | engine                  | not answered                        | engine (1) |
 /// | 11 cylinder             | not answered            | closed form, **as it stands**       | engine |
 /// | 10, 12 to 14, any other | not answered            | not answered                        | engine |
+///
+/// (1) The depth of a lozenge is that of its core, by the engine, and its radius.
 ///
 /// "Others" are witness points and penetration, which apply the transformation and leave to the engine to say what it
 /// makes of a shape without support points. That distances to spheres and capsules, and all contacts, ignore the
@@ -46,9 +51,9 @@ class ZU_API ZuCylinder : public ZuXmlClass<ZuCylinder, ZuShape> {
 
   // Overrides; see ZuShape
 
-  /// Meshes: fitToPoints(). A cylinder: the same. A cone: on its axis, with its radius. A sphere or capsule: the
-  /// cylinder along the capsule's core, or (0, 0, 1) when it has length 0, whose caps touch the round ends. All of them
-  /// enclose. Anything else prints a line.
+  /// Mesh, box, tetrahedron: fitToPoints() of the vertices. Cylinder: the same. Cone: its axis and radius. Sphere and
+  /// capsule: along the core, or (0, 0, 1) when it has length 0, the caps on the round ends. Lozenge: the least along
+  /// longer edge and normal. Ellipsoid: the least along an axis. All enclose. Anything else prints a line.
   void fitFromShape(ZuShape const& other) override;
   /// The same as supportPoint().
   ZuVector computeSupportPoint(ZuVector const& direction) const override;
@@ -89,7 +94,7 @@ class ZU_API ZuCylinder : public ZuXmlClass<ZuCylinder, ZuShape> {
   ZuShapeValues type() const override { return CYLINDER; }
   /// Of the solid, not of its approximation, which lies inside.
   void axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const override;
-  /// The engine, for every shape.
+  /// By the engine; see the other form for lozenges.
   bool computePenetrationDistanceAndSupportPoints(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,
                                                   ZuVector& witness1, ZuVector& witness2, double& distance,
                                                   ZuVector& direction) const override;
@@ -131,6 +136,14 @@ class ZU_API ZuCylinder : public ZuXmlClass<ZuCylinder, ZuShape> {
   /// @param closest the point of the disc nearest to that one
   virtual ZuReal distanceToCircularCap(ZuLineSegment const& segment, unsigned int cap, ZuReal& t,
                                        ZuVector& closest) const;
+  /// The engine for the lozenge's core, which has corners; its radius is taken off afterwards. That is exact, apart and
+  /// overlapping: what is within the radius of the difference set of cylinder and core is the difference set of
+  /// cylinder and lozenge. Where cylinder and core touch, the engine for the whole lozenge.
+  /// @param direction as by the other form, witness1 - xform * witness2
+  virtual bool computePenetrationDistanceAndSupportPoints(ZuLozenge const& lozenge,
+                                                          ZuCoordinateSystemTransformation const& xform,
+                                                          ZuVector& witness1, ZuVector& witness2, double& distance,
+                                                          ZuVector& direction) const;
   /// The straight line on the lateral surface, from cap 0 to cap 1, that is farthest in the direction.
   /// @return false when the direction has no part across the axis: `out` is then one of the lines, all as far
   virtual bool computeLineSegmentOnLateralSurface(ZuVector const& direction, ZuLineSegment& out) const;
@@ -144,6 +157,8 @@ class ZU_API ZuCylinder : public ZuXmlClass<ZuCylinder, ZuShape> {
  private:
   ZuFrustum solid() const;
   bool hasCap(char const* function, unsigned int index) const;
+  void becomeLeastAround(ZuEllipsoid const& ellipsoid);
+  void becomeLeastAround(ZuLozenge const& lozenge);
   bool growAround(ZuXmlVectorVector const& points);
   void takeRoundEnds(ZuLineSegment const& core, double radius);
   ZuVector supportOfExtremes(ZuVector const& direction) const;

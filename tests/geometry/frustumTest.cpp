@@ -1,11 +1,9 @@
 #include "geometry/zuFrustum.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "geometry/zuLineSegment.h"
-#include "tests/randomValues.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -34,8 +32,7 @@ double trapeziumDistance(ZuFrustum const& f, ZuVector const& p) {
 }  // namespace
 
 TEST(Frustum, DistancesOfPointsAreThoseOfTheTrapezium) {
-  RandomValues random(401);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(401);
   int inside = 0;
   for (int i = 0; i < 20000; ++i) {
     ZuFrustum const f = randomFrustum(random);
@@ -57,8 +54,7 @@ TEST(Frustum, DistancesOfPointsAreThoseOfTheTrapezium) {
 }
 
 TEST(Frustum, SegmentsAreAsFarAsTheirNearestPointAndCutWhereTheyRunInside) {
-  RandomValues random(402);
-  SCOPED_TRACE(random.trace());
+  TracedValues random(402);
   int hits = 0;
   for (int i = 0; i < 4000; ++i) {
     ZuFrustum const f = randomFrustum(random);
