@@ -10,10 +10,10 @@
 namespace {
 
 /// Gap of a distance and its lower bound at which an iteration ends, as a part of the size of the set: a nearest point
-/// of a curved solid is then off by a millionth of its size. Smaller, curved solids take more steps.
+/// of a curved solid is then off by 1e-7 of its size. Larger, it is off by more; smaller, the gap is all rounding.
 constexpr double theDistanceTolerance = 1e-14;
 /// The same of a depth. After 256 expansions 200 times, after 1024 2000 times as much will do.
-constexpr double theDepthTolerance = 1e-13;
+constexpr double theDepthTolerance = 1e-10;
 /// Expansions of a polytope, beyond the thousands that two coaxial cylinders take.
 constexpr unsigned int theMostExpansions = 2048;
 /// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is

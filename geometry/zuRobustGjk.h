@@ -26,20 +26,23 @@ class ZuDepthPolytope;
 /// 4. The witness points lie on their solids within 1e-9 sizes, and differ by the separation vector, whose length is
 ///    that of the distance.
 /// 5. No input of finite numbers makes it loop, allocate without bound, or return a nan. The iteration takes at most
-/// 256
-///    steps, the polytope maxIterations() expansions and then 512 more.
+///    256 steps and starts at most four times, the polytope takes maxIterations() expansions and then 512 more. Answers
+///    that would overflow are 0, with a message.
 /// 6. The answer does not depend on the start, nor on which shape comes first, beyond these bands.
 /// 7. Flat, thin, needle-like, single-point and identical shapes are legal. A pair whose difference set is flat (two
 ///    plates in one plane) has depth 0.
 ///
-/// They rest on support points that are right to rounding. A depth that maxIterations() cuts short, as of nearly round
-/// ellipsoids about one centre, is one of a local minimum: what was proven of it, depthGap() tells.
+/// They rest on support points that are right to rounding. Solids a million times as long as thick may be off by a part
+/// of 1e-7 of the length. A depth that maxIterations() cuts short, as of two coaxial cylinders or nearly round
+/// ellipsoids about one centre, which are as deep in many directions, is one of a local minimum: what was proven of it,
+/// depthGap() tells.
 ///
 /// **The steps** of ZuGJK are not part of this iteration; overriding them changes nothing. It keeps no simplex:
 /// `reset()`, `saveCache()` and the dumps see that of the base class, which stays empty.
 ///
-/// **Settings.** tolerance() is the gap at which an iteration ends, as a part of the size: 1e-12. maxIterations()
-/// bounds the expansions of a depth: 2048.
+/// **Settings.** tolerance() is the gap between a distance and its lower bound at which an iteration ends, as a part of
+/// the size: 1e-14. A depth takes 1e-10, or the tolerance when that is larger, and more after 256 expansions.
+/// maxIterations() bounds the expansions of a depth: 2048.
 ///
 /// **State.** Only the lists of the polytope, empty until a first depth, which grow to what the largest needed (200
 /// bytes for each expansion): after that no query allocates. Copies don't take them along. One engine serves one thread

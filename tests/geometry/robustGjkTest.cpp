@@ -191,7 +191,7 @@ TEST(RobustGjk, Guarantees1To4HoldForTheHardCases) {
     ++answered;
     // The tolerances of the cases are 1e-9 and 1e-6 of the size.
     double const allowed = distance < 0.0 && !isPolytope ? pointTolerance : tolerance;
-    if (distance < 0.0 && !isPolytope) pointTolerance *= 10.0;
+    if (distance < 0.0 && !isPolytope) pointTolerance *= 100.0;
     for (bool const swap : {false, true}) {
       Pose const &TA = swap ? T2 : T1, &TB = swap ? T1 : T2;
       Answer const answer = ask(engine, swap ? *b : *a, swap ? *a : *b, TA, TB);
@@ -284,6 +284,46 @@ TEST(RobustGjk, Guarantee7FlatThinAndIdenticalShapesAreLegal) {
         Answer const bare = ask(engine, swap ? c.b : c.a, swap ? c.a : c.b, T1, T2, answer.separation, false);
         EXPECT_NEAR(bare.distance, std::max(c.distance, 0.0), 1e-9);
         expectConsistent(bare, T1, T2, 1e-9);
+      }
+    }
+  }
+}
+
+/// What fuzzing found: slim simplices whose weights say anything, an origin on a facet of the first polytope.
+TEST(RobustGjk, Guarantees1And3HoldForSlimSimplicesWhereverTheyStart) {
+  HullShape const rod({{-8.0, -8.0, -8.0}, {7.9375, 7.9375, 7.9375}});
+  struct {
+    HullShape a, b;
+    double distance;
+  } const cases[] = {{rod, HullShape({{1.2e-7, -1.8e-12, 0.0}, {-1.15e-7, 0.0, 0.0}, {}}), 0.0},
+                     {rod,
+                      HullShape({{},
+                                 {1.3118846287074604e-17, 0.9531249995361577, 0.047058823529411764},
+                                 {0.047058823529411764, 0.047058823529411764, 0.047058823529411764},
+                                 {0.047058823529411764, 0.047058823529411764, 0.04708326151012443},
+                                 {3.0517112463712692e-05, 0.0, 0.0}}),
+                      -1.1057864185e-05},
+                     {rod,
+                      HullShape({{5.6566932470926944e-08, -0.0078436136227608977, 3.219611244276166e-10},
+                                 {3.0398834496736526e-05, 2.1100044250488281e-05, 3.0398834496736526e-05},
+                                 {1.8119117317638711e-12, 3.0402094125747681e-05, 0.0},
+                                 {}}),
+                      0.0},
+                     {HullShape({{7.375, -8.0, -5.125}, {-6.875, -8.0, 0.6875}, {-4.3125, -4.3125, -3.5625}}),
+                      HullShape({{-3.5625, 4.75, 5.375},
+                                 {7.375, -4.0625, -6.5625},
+                                 {-8.0, -8.0, 7.9375},
+                                 {7.9375, -5.4375, -8.0},
+                                 {5.375, -8.0, -8.0},
+                                 {-8.0, -8.0, -8.0}}),
+                      -3.6875}};
+  ZuRobustGJK engine;
+  for (auto const& c : cases) {
+    for (ZuVector const& start : {ZuVector(-8.0, -8.0, -8.0), ZuVector(), ZuVector(0.0, 3.6875, 0.0)}) {
+      for (bool const swap : {false, true}) {
+        Answer const answer = ask(engine, swap ? c.b : c.a, swap ? c.a : c.b, Pose(), Pose(), start);
+        EXPECT_NEAR(answer.distance, c.distance, 1e-9) << &c - cases;
+        expectConsistent(answer, Pose(), Pose(), 1e-9);
       }
     }
   }
