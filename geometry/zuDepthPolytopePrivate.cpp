@@ -25,8 +25,9 @@ constexpr unsigned int theFineExpansions = 256, theCoarseExpansions = 1024;
 constexpr double theSlimRounding = theOrientationRounding * 1e4;
 /// How much wider than the gap of the bounds the nearest point may miss them.
 constexpr double theSlack = 4.0;
-/// Depths that are less than this part of the largest numbers are 0 when rounding leaves no facet for them.
-constexpr double theDoubtful = 1e-9;
+/// Depths that are less than this part of the size are 0 when rounding leaves no facet within the other part of where
+/// their bounds meet. Larger, the band of depths would suffer.
+constexpr double theDoubtful = 2e-8, theMiss = 1e-9;
 /// Cosine of the angle up to which facets count as parallel: 0.14 mrad.
 constexpr double theSameNormal = 1.0 - 1e-8;
 constexpr double theFarthest = std::numeric_limits<double>::infinity();
@@ -54,7 +55,7 @@ ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSi
   double const gap = tolerance * m_Size + m_Noise;
   bool const isCoarse = ending == ENOUGH || m_Upper - m_Lower > gap;
   if (isCoarse) settle(set, gap);
-  bool const isFound = finish(gap, set.extent(), depth);
+  bool const isFound = finish(gap, depth);
   depth.upper = m_Upper;
   return isFound ? FOUND : FLAT;
 }
@@ -363,7 +364,7 @@ void ZuDepthPolytope::closeHorizon() {
 /// bound, and the set not after the upper one. Of facets it is told by the distance from where the bounds meet, which
 /// slim facets, whose normals and heights are rough, tell as well as others. False when the set is so thin that
 /// rounding leaves no facet there.
-bool ZuDepthPolytope::finish(double gap, double extent, Depth& depth) const {
+bool ZuDepthPolytope::finish(double gap, Depth& depth) const {
   ZuVector const target = m_UpperNormal * m_Upper;
   double const highest = std::max(m_Lower, m_Upper) + gap, allowed = theSlack * gap;
   double least = theFarthest;
@@ -376,7 +377,7 @@ bool ZuDepthPolytope::finish(double gap, double extent, Depth& depth) const {
     if (facet.isLive) takeIfNearer(facet, target, least, depth);
   }
   depth.normal = m_UpperNormal;
-  return std::sqrt(least) <= allowed + theDoubtful * m_Size || !(m_Upper <= theDoubtful * extent);
+  return std::sqrt(least) <= allowed + theMiss * m_Size || !(m_Upper <= theDoubtful * m_Size);
 }
 
 void ZuDepthPolytope::takeIfNearer(Facet const& facet, ZuVector const& target, double& least, Depth& depth) const {

@@ -87,7 +87,7 @@ class ZuDepthPolytope {
   bool isOneLoop(ZuVector const& w);
   void closeHorizon();
   int facetAlong(ZuVector const& direction) const;
-  bool finish(double gap, double extent, Depth& depth) const;
+  bool finish(double gap, Depth& depth) const;
   void takeIfNearer(Facet const& facet, ZuVector const& target, double& least, Depth& depth) const;
 
   std::vector<ZuCorePoint> m_Points;

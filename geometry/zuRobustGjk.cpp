@@ -21,8 +21,8 @@ constexpr unsigned int theMostExpansions = 2048;
 constexpr double theRounding = 8.0 * 0x1p-52;
 /// A distance that is less than this part of the largest numbers is 0 for cores that are too thin to have a depth.
 constexpr double theThin = 1e-9;
-/// Vectors of the set that are longer than this part of its largest numbers have a direction, to 1e-10.
-constexpr double theStraightLength = 1e-5;
+/// Vectors of the set that are longer than this part of its largest numbers have a direction, to 1e-6.
+constexpr double theStraightLength = 1e-9;
 /// Steps of an iteration; polytopes take 5 to 20, curved solids up to 60.
 constexpr int theMostSteps = 256;
 /// How often an iteration may start again from the mean of its simplex.

@@ -309,6 +309,12 @@ TEST(RobustGjk, Guarantees1And3HoldForSlimSimplicesWhereverTheyStart) {
                                  {1.8119117317638711e-12, 3.0402094125747681e-05, 0.0},
                                  {}}),
                       0.0},
+                     {rod,
+                      HullShape({{0.0, -1.4901438305623023e-08, 0.0},
+                                 {-5.9604644775499045e-08, 0.0, -1.4901438305623023e-08},
+                                 {0.0, -6.3973023926855443e-14, -2.6583671569824219e-05},
+                                 {}}),
+                      0.0},
                      {HullShape({{7.375, -8.0, -5.125}, {-6.875, -8.0, 0.6875}, {-4.3125, -4.3125, -3.5625}}),
                       HullShape({{-3.5625, 4.75, 5.375},
                                  {7.375, -4.0625, -6.5625},
@@ -322,7 +328,7 @@ TEST(RobustGjk, Guarantees1And3HoldForSlimSimplicesWhereverTheyStart) {
     for (ZuVector const& start : {ZuVector(-8.0, -8.0, -8.0), ZuVector(), ZuVector(0.0, 3.6875, 0.0)}) {
       for (bool const swap : {false, true}) {
         Answer const answer = ask(engine, swap ? c.b : c.a, swap ? c.a : c.b, Pose(), Pose(), start);
-        EXPECT_NEAR(answer.distance, c.distance, 1e-9) << &c - cases;
+        EXPECT_NEAR(answer.distance, c.distance, 1e-7) << &c - cases;
         expectConsistent(answer, Pose(), Pose(), 1e-9);
       }
     }
