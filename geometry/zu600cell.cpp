@@ -96,6 +96,7 @@ bool Zu600Cell::operator==(Zu600Cell const& other) const {
 }
 
 void Zu600Cell::setup() {
+  if (!m_Vertices.empty()) return;
   makeVertices();
   if (!chooseSampled(makeFaces())) warn("Zu600Cell::setup(): bad map.\n");
   makeCenters();

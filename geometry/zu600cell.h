@@ -52,8 +52,8 @@ class ZU_API Zu600Cell {
   bool operator!=(Zu600Cell const& other) const { return !(*this == other); }
 
   /// Builds vertices, edges, triangles, tetrahedra and the choice of the sampled ones; the constructor has done so, and
-  /// doing it again changes nothing. The sampling stays. Prints a message if the opposites of vertices and cells do not
-  /// come in pairs.
+  /// doing it again costs and changes nothing. The sampling stays. Prints a message if the opposites of vertices and
+  /// cells do not come in pairs.
   void setup();
 
   /// The length of an edge, 1/phi: a distance of quaternions. In rotations it is 72 degrees.

@@ -141,10 +141,11 @@ bool plainEigenvalues(Symmetric const& a, double (&values)[3]) {
   return std::min(values[0] - values[1], values[1] - values[2]) >= theSmallestPlainGap * size;
 }
 
-/// Sets the values and, unless all are equal, the vectors; true when they are not equal.
-bool eigensystem(Symmetric const& a, double (&values)[3], ZuVector (&u)[3]) {
-  auto const areEqual = [&values] {
-    return values[0] - values[1] <= theEqualEigenvalues && values[1] - values[2] <= theEqualEigenvalues;
+/// Sets the values and, unless all are equal, the vectors; true when they are not equal. `unit` is that of the matrix,
+/// in which theEqualEigenvalues is given.
+bool eigensystem(Symmetric const& a, double unit, double (&values)[3], ZuVector (&u)[3]) {
+  auto const areEqual = [&values, equal = theEqualEigenvalues * unit] {
+    return values[0] - values[1] <= equal && values[1] - values[2] <= equal;
   };
   if (plainEigenvalues(a, values)) {
     if (areEqual()) return false;
@@ -244,6 +245,7 @@ void ZuSpatialMatrix::addWeightedSelfOuterProduct(ZuVector const& v, double weig
 }
 
 void ZuSpatialMatrix::transformBy(ZuOrientation const& q) {
+  if (q.isIdentity()) return;  // also what is not finite stays as it is
   ZuVector d0, d1, d2;
   q.getDcmRows(d0, d1, d2);
   auto const timesTranspose = [&](ZuVector const& row) { return ZuVector(row.dot(d0), row.dot(d1), row.dot(d2)); };
@@ -299,7 +301,7 @@ bool ZuSpatialMatrix::getSymmetricEigensystem(ZuVector& values, ZuVector& u0, Zu
   if (isHuge) a.scaleBy(std::ldexp(1.0, -exponent));
   double lambda[3];
   ZuVector u[3] = {ZuVector::xVector(1.0), ZuVector::yVector(1.0), ZuVector::zVector(1.0)};
-  eigensystem(a, lambda, u);
+  eigensystem(a, isHuge ? std::ldexp(1.0, -exponent) : 1.0, lambda, u);
   if (isHuge) {
     for (double& value : lambda) value = std::ldexp(value, exponent);
   }

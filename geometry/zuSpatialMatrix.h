@@ -130,7 +130,9 @@ class ZU_API ZuSpatialMatrix : public ZuXmlClass<ZuSpatialMatrix, ZuXmlCompoundT
   /// count as equal: the vectors are then the unit axes, and the matrix that they rebuild is off by up to 2e-12. Choose
   /// the unit so that the elements are not that small. This threshold is deliberate.
   ///
-  /// Method, in closed form: the roots of the characteristic polynomial; then the first vector is the largest column of
+  /// Method, in closed form: the roots of the characteristic polynomial, of the matrix less its mean diagonal so that
+  /// the coefficients do not cancel (ZuMath::cubicRoots of the plain ones would leave repeated values half their
+  /// digits); then the first vector is the largest column of
   /// (A - values[r]) (A - values[q]), by Cayley and Hamilton, the second the largest column of A - values[r] within the
   /// plane at a right angle to it, the third their cross product. In doubles these steps lose digits where two values
   /// are near each other: of the vectors, a factor of |A| / difference; of the values, with the coefficients of the
