@@ -334,14 +334,17 @@ void ZuBox::fitToPoints(ZuXmlVectorVector const& points) {
   if (ZuPointSpread(points.data(), points.size()).size > 0.0) {
     fit = ZuPointFit<BoxRule>::around(points.data(), points.size());
   }
-  setCenter(fit.center);
-  setAxes(ZuXmlVectorVector({fit.axes[0], fit.axes[1], fit.axes[2]}));
+  // Beside this box: the points may be those of its own approximation, which goes when it changes.
+  ZuBox box;
+  box.setCenter(fit.center);
+  box.setAxes(ZuXmlVectorVector({fit.axes[0], fit.axes[1], fit.axes[2]}));
   // The axes have become those of a quaternion, so that the extents have to be measured again.
   ZuVector most;
   for (ZuVector const& p : points) {
-    ZuVector const local = absolute(toLocal(p));
+    ZuVector const local = absolute(box.toLocal(p));
     for (unsigned int i = 0; i < 3; ++i) most[i] = std::max(most[i], local[i]);
   }
+  setPrimaryFrame(box.primaryFrame());
   setExtents(most);
 }
 

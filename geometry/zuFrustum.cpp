@@ -92,7 +92,7 @@ ZuFrustum::Nearest ZuFrustum::nearestOutside(Place const& place) const {
   auto const from = [&](ZuOutlinePoint const& corner) {
     Nearest nearest{corner, {h - corner.height, r - corner.radius}, 0.0};
     nearest.distance = std::hypot(nearest.normal.height, nearest.normal.radius);
-    if (!(nearest.distance > 0.0)) return Nearest{corner, sideDirection(), 0.0};
+    if (nearest.distance == 0.0) return Nearest{corner, sideDirection(), 0.0};
     nearest.normal = {nearest.normal.height / nearest.distance, nearest.normal.radius / nearest.distance};
     return nearest;
   };
@@ -229,6 +229,10 @@ bool ZuFrustum::intersect(ZuPlainSegment const& segment, ZuShapePointEvent& even
   };
   event.entry = at(event.startsInside ? 0.0 : entry, event.startsInside);
   event.exit = at(event.endsInside ? 1.0 : exit, event.endsInside);
+  if (length > 0.0) return true;
+  // A disc has both normals: against the segment on the way in, along it on the way out.
+  if (event.entry.normal.dot(segment.delta) > 0.0) event.entry.normal = -event.entry.normal;
+  if (event.exit.normal.dot(segment.delta) < 0.0) event.exit.normal = -event.exit.normal;
   return true;
 }
 

@@ -130,7 +130,7 @@ bool ZuHalfSpace::intersectLineSegment(ZuLineSegment const& segment, ZuShapePoin
   double const h0 = height(segment.endpoint0()), h1 = height(segment.endpoint1());
   event = ZuShapePointEvent();
   event.shapeID = proximityDatabaseIndex();
-  event.hit = h0 <= 0.0 || h1 <= 0.0;
+  event.hit = checkIntersect(segment);
   if (!event.hit) return false;
   event.startsInside = h0 < 0.0;
   event.endsInside = h1 < 0.0;

@@ -350,22 +350,25 @@ void ZuTetrahedron::transformBy(ZuCoordinateSystemTransformation const& xform) {
 /// Where a segment that meets the tetrahedron is in it.
 ZuSegmentPart ZuTetrahedron::partInside(ZuPlainSegment const& line) const {
   double const margin = theFlat * (line.endpoint0.mag() + line.endpoint1.mag() + v0().mag());
-  bool const isFlat = orientation() == 0;
-  Part part = isFlat ? Part::none() : Part();
+  Part part = orientation() == 0 ? Part::none() : Part();
+  for (unsigned int i = 0; i < 4 && !part.isEmpty(); ++i) {
+    ZuVector const normal = outwardNormal(i), corner = vertex(theFaces[i][0]);
+    part.clip(normal.dot(line.endpoint0 - corner), normal.dot(line.endpoint1 - corner), normal);
+  }
+  if (!part.isEmpty()) return part;
+  if (orientation() != 0) part = partOnEdges(line, margin);
+  if (!part.isEmpty()) return part;
+  // Flat, also within rounding: what is in it is in one of its faces.
   for (unsigned int i = 0; i < 4; ++i) {
     unsigned int const* const k = theFaces[i];
     ZuVector const corners[3] = {vertex(k[0]), vertex(k[1]), vertex(k[2])};
     ZuVector const normal = outwardNormal(i);
-    if (!isFlat) {
-      part.clip(normal.dot(line.endpoint0 - corners[0]), normal.dot(line.endpoint1 - corners[0]), normal);
-    } else if (normal != ZuVector()) {
-      part.unite(partInTriangle(line, corners, normal, margin));
-    }
+    if (normal != ZuVector()) part.unite(partInTriangle(line, corners, normal, margin));
   }
-  return part.isEmpty() ? partOnEdges(line, margin) : part;
+  return part.isEmpty() ? partOnEdges(line, HUGE_VAL) : part;
 }
 
-/// Of a segment that touches edges, or comes as close to one as rounding allows.
+/// On edges within the margin; when it is infinite, on those that are nearest.
 ZuSegmentPart ZuTetrahedron::partOnEdges(ZuPlainSegment const& line, double margin) const {
   ZuPlainSegment edges[6];
   double distances[6];
@@ -373,7 +376,7 @@ ZuSegmentPart ZuTetrahedron::partOnEdges(ZuPlainSegment const& line, double marg
     edges[i] = ZuPlainSegment::between(vertex(theEdges[i][0]), vertex(theEdges[i][1]));
     distances[i] = std::sqrt(zuNearestPair(line, edges[i]).distanceSquared());
   }
-  margin = std::max(margin, *std::min_element(distances, distances + 6));
+  if (std::isinf(margin)) margin = *std::min_element(distances, distances + 6);
   Part part = Part::none();
   for (unsigned int i = 0; i < 6; ++i) {
     if (distances[i] <= margin) part.unite(partOnEdge(line, edges[i]));
