@@ -831,7 +831,7 @@ void ZuBasePhysicalExtent::fitFromShape(ZuShape const& other) {
   ZuBasePhysicalExtent const& mesh = other.physicalExtent();
   if (&mesh == this) return;
   clearSupplements();
-  m_Points = mesh.m_Points;
+  m_Points = cornersAround(other);
   m_IsConvex = mesh.m_IsConvex;
   copyFacets(mesh);
   facetsChanged();

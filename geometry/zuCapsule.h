@@ -20,8 +20,7 @@
 /// | 0, 1, 2 mesh           | engine                | engine                         | closed form, **as it stands** |
 /// | 3 sphere               | closed form           | closed form                    | closed form, **as it stands** |
 /// | 4 capsule              | closed form, bounded  | closed form, bounded           | closed form, **as it stands** |
-/// | 5 to 14, any other     | not answered          | witness points not answered; penetration by the engine | not
-/// answered |
+/// | 5 to 14, any other     | not answered          | not answered; penetration: engine | not answered              |
 ///
 /// That contacts ignore the transformation while distances apply it is deliberate. So is the bound: the depth of two
 /// capsules is never more than the larger of their radii, though cores that meet are separated only by a move of the

@@ -283,10 +283,6 @@ ZuBasePhysicalExtent& ZuCone::physicalExtent() const {
   return *keptExtent();
 }
 
-void ZuCone::axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const {
-  box.resize(capsuleBoundingVolume());
-}
-
 ZuCapsule const& ZuCone::capsuleBoundingVolume() const {
   if (keptCapsule() != nullptr) return *keptCapsule();
   ZuCapsule around;

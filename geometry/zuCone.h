@@ -68,8 +68,6 @@ class ZU_API ZuCone : public ZuXmlClass<ZuCone, ZuConvexSolid> {
   /// rim. Closed, convex, outward, inside the cone; converges to it with the level.
   ZuBasePhysicalExtent& physicalExtent() const override;
   ZuShapeValues type() const override { return CONE; }
-  /// Of the solid, not of its approximation, which lies inside.
-  void axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const override;
   /// The least capsule about the same axis that encloses the solid, unless another was set.
   ZuCapsule const& capsuleBoundingVolume() const override;
 

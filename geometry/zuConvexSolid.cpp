@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "geometry/zuAxisAlignedBoundingBox.h"
 #include "geometry/zuBasePhysicalExtent.h"
 #include "geometry/zuCapsule.h"
+#include "geometry/zuRobustGjk.h"
 #include "geometry/zuShapeProximityDescriptor.h"
 #include "geometry/zuSphere.h"
 
@@ -51,17 +53,22 @@ bool ZuConvexSolid::inClosedForm(ZuShape const& other, ZuCoordinateSystemTransfo
   return true;
 }
 
-/// What the engine has to say of the core, which is exact where its round surface would not be; the radius goes on top.
+/// What the robust engine has to say of the core, which meets the solid; the radius goes on top.
 bool ZuConvexSolid::whereCoreEnters(ZuCapsule const& capsule, ZuCoordinateSystemTransformation const& xform,
                                     Contact& contact) const {
   ZuCapsule const core(capsule.lineSegment(), 0.0);
   ZuVector onCore, separation;
   double distance = 0.0;
-  ZuShape::computePenetrationDistanceAndSupportPoints(core, xform, contact.onThis, onCore, distance, separation);
-  if (!(distance < 0.0)) return false;
-  contact.normal = separation.unitVector();
-  contact.distance = distance - capsule.radius();
+  static thread_local ZuRobustGJK engine;
+  engine.distance(*this, core, ZuCoordinateSystemTransformation::nullObject(), xform, true, contact.onThis, onCore,
+                  distance, &separation);
+  contact.normal = distance < 0.0 ? separation.unitVector() : ZuVector();
+  contact.distance = std::min(distance, 0.0) - capsule.radius();
   return contact.normal != ZuVector();
+}
+
+void ZuConvexSolid::axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const {
+  box.resize(capsuleBoundingVolume());
 }
 
 double ZuConvexSolid::distanceTo(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,

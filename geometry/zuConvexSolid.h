@@ -41,6 +41,8 @@ class ZU_API ZuConvexSolid : public ZuShape {
   void physicalExtent(std::vector<ZuBasePhysicalExtent*>& extents) const override;
   ZuBasePhysicalExtent& physicalExtent() const override = 0;
   bool isConvex() const override { return true; }
+  /// Of the capsule that bounds the solid, not its approximation, which may lie inside.
+  void axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) const override;
   /// In closed form it returns whether the two touch or overlap, and `direction` is the unit vector from this solid
   /// towards the other shape, in this solid's frame.
   bool computePenetrationDistanceAndSupportPoints(ZuShape const& other, ZuCoordinateSystemTransformation const& xform,

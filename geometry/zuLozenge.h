@@ -67,6 +67,8 @@ class ZU_API ZuLozenge : public ZuXmlClass<ZuLozenge, ZuConvexSolid> {
   /// outward, inside the lozenge; converges to it with the level.
   ZuBasePhysicalExtent& physicalExtent() const override;
   ZuShapeValues type() const override { return LOZENGE; }
+  /// Around the solid, unless another was set.
+  ZuCapsule const& capsuleBoundingVolume() const override;
 
   // Persistence; see ZuXmlCompoundType
   void registerComponents() override;

@@ -26,6 +26,7 @@
 #include "geometry/zuLineSegment.h"
 #include "geometry/zuLozenge.h"
 #include "geometry/zuPolyPhysicalExtent.h"
+#include "geometry/zuPolygon.h"
 #include "geometry/zuPolygonWithKey.h"
 #include "geometry/zuShapeCollisionEvent.h"
 #include "geometry/zuShapePointEvent.h"
@@ -435,12 +436,36 @@ void ZuShape::setLowerFidelityRepresentation(ZuShape* shape) {
 void ZuShape::setHigherFidelityRepresentation(ZuShape* shape) { m_HigherFidelityRepresentation = shape; }
 
 void ZuShape::addBoundingVolume(ZuShapeValues const& kind) {
+  if (type() == HALF_SPACE && kind != HALF_SPACE) return;
   std::unique_ptr<ZuShape> volume = newBoundingShape(kind);
   if (!volume) return;
   volume->fitFromShape(*this);
+  if (volume->equality(newBoundingShape(kind).get())) {  // as it was: it does not fit itself to shapes of this type
+    if (type() == HALF_SPACE) return;
+    volume->fitToPoints(cornersAround(*this));
+  }
   giveBoundingSurface(*volume);
   volume->physicalExtent().init();
   attachBelowLowest(std::move(volume));
+}
+
+ZuXmlVectorVector ZuShape::cornersAround(ZuShape const& shape) {
+  ZuBasePhysicalExtent const& mesh = shape.physicalExtent();
+  ZuXmlVectorVector corners = mesh.points();
+  if (isMesh(shape.type()) || corners.empty()) return corners;
+  ZuVector center;
+  for (ZuVector const& p : corners) center += p / static_cast<double>(corners.size());
+  double growth = 1.0;
+  for (unsigned int group = 0; group < mesh.numberOfGroups(); ++group) {
+    for (unsigned int facet = 0; facet < mesh.numberOfFacetsInGroup(group); ++facet) {
+      ZuVector const normal = mesh.getPolygon(group, facet).normal();
+      double const height = normal.dot(mesh.point(mesh.getFacetPointIndex(group, facet, 0)) - center);
+      if (height > 0.0) growth = std::max(growth, normal.dot(shape.computeSupportPoint(normal) - center) / height);
+    }
+  }
+  if (growth == 1.0) return corners;
+  for (ZuVector& p : corners) p = center + (p - center) * (growth * (1.0 + m_theGrowthRounding));
+  return corners;
 }
 
 void ZuShape::addExplicitBoundingVolume(ZuShape const& shape) {

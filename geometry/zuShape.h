@@ -170,8 +170,9 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   virtual void setLowerFidelityRepresentation(ZuShape* shape);
   virtual void setHigherFidelityRepresentation(ZuShape* shape);
 
-  /// Appends a bounding shape of the given type to the chain, fitted to this shape, with the surface "Bounding". Types
-  /// that bound nothing (grid extent, union, intersection, unknown) do nothing.
+  /// Appends a bounding shape of the given type to the chain, fitted to this shape, with the surface "Bounding". A type
+  /// whose fit does not take this one prints its line and is fitted to points around this shape. Types that bound
+  /// nothing (grid extent, union, intersection, unknown) do nothing; nothing but a half-space bounds a half-space.
   virtual void addBoundingVolume(ZuShapeValues const& kind);
   /// Deletes the chain below this shape; nothing else.
   virtual void deleteBoundingVolumes();
@@ -394,6 +395,11 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   /// The polyhedral approximation that is kept, null when there is none, and the place to keep a new one.
   ZuBasePhysicalExtent* keptExtent() const { return m_PhysicalExtent.get(); }
   void keepExtent(std::unique_ptr<ZuBasePhysicalExtent> extent) const;
+  /// Points whose hull encloses the shape: the corners of its approximation, moved away from their mean until the flat
+  /// sides of the approximation touch a round solid from outside.
+  static ZuXmlVectorVector cornersAround(ZuShape const& shape);
+  /// Of the distance from the mean: what rounding can take from it.
+  static constexpr double m_theGrowthRounding = 1e-14;
   /// Keeps the capsule until the geometry changes.
   ZuCapsule const& keepCapsule(ZuCapsule const& capsule) const;
   /// The capsule that is kept; null when there is none.
