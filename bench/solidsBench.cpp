@@ -1,0 +1,223 @@
+// Distance and nearest points of two solids through the shape interface, and of the peers on the same solids and poses.
+// For medians of interleaved runs:
+//   zuBench --benchmark_filter=solids --benchmark_enable_random_interleaving=true --benchmark_repetitions=9
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundation/zuManipulatorSystem.h"
+#include "geometry/zuBox.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuRobustGjk.h"
+#include "geometry/zuShapeProximityDescriptor.h"
+#include "geometry/zuSphere.h"
+#include "geometry/zuSystemShapeProximityState.h"
+#include "tests/randomValues.h"
+#ifdef ZU_BENCH_PEERS
+#include <BulletCollision/CollisionShapes/btBoxShape.h>
+#include <BulletCollision/CollisionShapes/btCapsuleShape.h>
+#include <BulletCollision/CollisionShapes/btConeShape.h>
+#include <BulletCollision/CollisionShapes/btCylinderShape.h>
+#include <BulletCollision/CollisionShapes/btSphereShape.h>
+#include <BulletCollision/NarrowPhaseCollision/btGjkEpaPenetrationDepthSolver.h>
+#include <BulletCollision/NarrowPhaseCollision/btGjkPairDetector.h>
+#include <BulletCollision/NarrowPhaseCollision/btPointCollector.h>
+#include <BulletCollision/NarrowPhaseCollision/btVoronoiSimplexSolver.h>
+#include <fcl/geometry/shape/box.h>
+#include <fcl/geometry/shape/capsule.h>
+#include <fcl/geometry/shape/cone.h>
+#include <fcl/geometry/shape/cylinder.h>
+#include <fcl/geometry/shape/sphere.h>
+#include <fcl/narrowphase/detail/gjk_solver_indep.h>
+#include <fcl/narrowphase/detail/gjk_solver_libccd.h>
+
+#include "bench/peers.h"
+#endif
+
+namespace {
+
+using Pose = ZuCoordinateSystemTransformation;
+constexpr std::size_t thePoses = 1024;
+
+// The solids, centred, their axis along z: half a metre in radius, a metre and a half long.
+constexpr double theRadius = 0.5;
+constexpr double theHalf = 0.75;
+ZuLineSegment const theAxis(ZuVector(0.0, 0.0, -theHalf), ZuVector(0.0, 0.0, theHalf));
+template <class Solid>
+Solid make() {
+  return Solid(theAxis, theRadius);
+}
+template <>
+ZuSphere make() {
+  return ZuSphere(ZuVector(), theRadius, 3);
+}
+template <>
+ZuBox make() {
+  return ZuBox(Pose(), ZuVector(0.4, 0.6, theHalf));
+}
+
+/// Apart, by up to a metre.
+std::vector<Pose> const& poses() {
+  static std::vector<Pose> const thePlaces = [] {
+    RandomValues random(1);
+    std::vector<Pose> all;
+    for (std::size_t i = 0; i < thePoses; ++i)
+      all.emplace_back(random.direction() * random.real(2.3, 3.3), random.orientation());
+    return all;
+  }();
+  return thePlaces;
+}
+
+class TwoLinks : public ZuManipulatorSystem {
+ public:
+  unsigned int numberOfManipulators() const override { return 2; }
+  unsigned int numberOfLinks(unsigned int) const override { return 1; }
+  unsigned int numberOfShapes(unsigned int, unsigned int) const override { return 1; }
+};
+
+template <class First, class Second>
+void zu(benchmark::State& state, bool isRobust) {
+  First first = make<First>();
+  Second const second = make<Second>();
+  if (isRobust) first.setGjkEngine(ZuRobustGJK());
+  ZuSystemShapeProximityState memory;
+  memory.resizeDatabaseToSystem(TwoLinks());
+  memory.setIsInitialized(true);
+  ZuShapeProximityDescriptor descriptor;
+  descriptor.setKey1(ZuShapeStateCacheKey(1, 0, 0));
+  descriptor.setKey2(ZuShapeStateCacheKey(0, 0, 0));
+  ZuShape const& asClientsHoldIt = first;
+  ZuVector w1, w2;
+  std::uint64_t time = 0;
+  for (auto _ : state) {
+    memory.setUpdateTime(++time);
+    benchmark::DoNotOptimize(
+        asClientsHoldIt.distanceAndWitnessPointsTo(second, poses()[time % thePoses], descriptor, memory, w1, w2));
+    benchmark::DoNotOptimize(w2);
+  }
+}
+
+/// What a cylinder answers in closed form takes the other shape as it stands: a copy of it in every place.
+template <class Other>
+void zuCylinderClosed(benchmark::State& state) {
+  ZuCylinder const cylinder = make<ZuCylinder>();
+  std::vector<Other> others(thePoses, make<Other>());
+  for (std::size_t i = 0; i < thePoses; ++i) others[i].transformBy(poses()[i]);
+  ZuSystemShapeProximityState memory;
+  ZuShape const& asClientsHoldIt = cylinder;
+  std::size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(asClientsHoldIt.distanceTo(others[i], Pose(), ZuShapeProximityDescriptor(), memory));
+    i = (i + 1) % thePoses;
+  }
+}
+
+#ifdef ZU_BENCH_PEERS
+
+fcl::Sphered fclSolid(ZuSphere const&) { return fcl::Sphered(theRadius); }
+fcl::Capsuled fclSolid(ZuCapsule const&) { return fcl::Capsuled(theRadius, 2.0 * theHalf); }
+fcl::Cylinderd fclSolid(ZuCylinder const&) { return fcl::Cylinderd(theRadius, 2.0 * theHalf); }
+fcl::Coned fclSolid(ZuCone const&) { return fcl::Coned(theRadius, 2.0 * theHalf); }
+fcl::Boxd fclSolid(ZuBox const&) { return fcl::Boxd(0.8, 1.2, 2.0 * theHalf); }
+
+using BulletSolid = std::unique_ptr<btConvexShape>;
+BulletSolid bulletSolid(ZuSphere const&) { return std::make_unique<btSphereShape>(theRadius); }
+BulletSolid bulletSolid(ZuCapsule const&) { return std::make_unique<btCapsuleShapeZ>(theRadius, 2.0 * theHalf); }
+BulletSolid bulletSolid(ZuCylinder const&) {
+  auto solid = std::make_unique<btCylinderShapeZ>(btVector3(theRadius, theRadius, theHalf));
+  solid->setMargin(0.0);
+  return solid;
+}
+BulletSolid bulletSolid(ZuCone const&) {
+  auto solid = std::make_unique<btConeShapeZ>(theRadius, 2.0 * theHalf);
+  solid->setMargin(0.0);
+  return solid;
+}
+BulletSolid bulletSolid(ZuBox const&) {
+  auto solid = std::make_unique<btBoxShape>(btVector3(0.4, 0.6, theHalf));
+  solid->setMargin(0.0);
+  return solid;
+}
+
+template <class Solver, class First, class Second>
+void fclDistance(benchmark::State& state) {
+  auto const first = fclSolid(make<First>());
+  auto const second = fclSolid(make<Second>());
+  std::vector<fcl::Transform3d> places;
+  for (Pose const& pose : poses()) places.push_back(fclPose(pose));
+  Solver solver;
+  fcl::Vector3d p1, p2;
+  std::size_t i = 0;
+  for (auto _ : state) {
+    double distance = 0.0;
+    solver.shapeDistance(first, fcl::Transform3d::Identity(), second, places[i], &distance, &p1, &p2);
+    benchmark::DoNotOptimize(distance);
+    i = (i + 1) % thePoses;
+  }
+}
+
+template <class First, class Second>
+void bulletDistance(benchmark::State& state) {
+  BulletSolid const first = bulletSolid(make<First>());
+  BulletSolid const second = bulletSolid(make<Second>());
+  std::vector<btTransform> places;
+  for (Pose const& pose : poses()) places.push_back(bulletPose(pose));
+  btVoronoiSimplexSolver simplex;
+  btGjkEpaPenetrationDepthSolver depth;
+  std::size_t i = 0;
+  for (auto _ : state) {
+    btGjkPairDetector detector(first.get(), second.get(), &simplex, &depth);
+    btGjkPairDetector::ClosestPointInput input;
+    input.m_transformA.setIdentity();
+    input.m_transformB = places[i];
+    btPointCollector result;
+    detector.getClosestPoints(input, result, nullptr);
+    benchmark::DoNotOptimize(result.m_distance);
+    i = (i + 1) % thePoses;
+  }
+}
+
+#endif
+
+template <class First, class Second>
+void peers([[maybe_unused]] std::string const& name) {
+#ifdef ZU_BENCH_PEERS
+  using Indep = fcl::detail::GJKSolver_indepd;
+  using Libccd = fcl::detail::GJKSolver_libccdd;
+  benchmark::RegisterBenchmark((name + "/fclIndep").c_str(), fclDistance<Indep, First, Second>);
+  benchmark::RegisterBenchmark((name + "/fclLibccd").c_str(), fclDistance<Libccd, First, Second>);
+  benchmark::RegisterBenchmark((name + "/bullet").c_str(), bulletDistance<First, Second>);
+#endif
+}
+
+template <class First, class Second>
+void pairs(std::string const& name) {
+  benchmark::RegisterBenchmark((name + "/zu").c_str(), zu<First, Second>, false);
+  peers<First, Second>(name);
+}
+
+/// Of a pair that is answered by the engine.
+template <class First, class Second>
+void enginePairs(std::string const& name) {
+  benchmark::RegisterBenchmark((name + "/zuRobust").c_str(), zu<First, Second>, true);
+  pairs<First, Second>(name);
+}
+
+bool const theRegistration = [] {
+  enginePairs<ZuCylinder, ZuBox>("solids/cylinderBox");
+  enginePairs<ZuCylinder, ZuCylinder>("solids/cylinderCylinder");
+  enginePairs<ZuCone, ZuBox>("solids/coneBox");
+  pairs<ZuCone, ZuSphere>("solids/coneSphere");
+  pairs<ZuCapsule, ZuCapsule>("solids/capsuleCapsule");
+  benchmark::RegisterBenchmark("solids/cylinderSphere/zu", zuCylinderClosed<ZuSphere>);
+  peers<ZuCylinder, ZuSphere>("solids/cylinderSphere");
+  benchmark::RegisterBenchmark("solids/cylinderCapsule/zu", zuCylinderClosed<ZuCapsule>);
+  peers<ZuCylinder, ZuCapsule>("solids/cylinderCapsule");
+  return true;
+}();
+
+}  // namespace
