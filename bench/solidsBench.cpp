@@ -8,14 +8,20 @@
 #include <vector>
 
 #include "foundation/zuManipulatorSystem.h"
+#include "foundation/zuPrint.h"
 #include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
+#include "geometry/zuHalfSpace.h"
+#include "geometry/zuLozenge.h"
 #include "geometry/zuRobustGjk.h"
 #include "geometry/zuShapeProximityDescriptor.h"
 #include "geometry/zuSphere.h"
 #include "geometry/zuSystemShapeProximityState.h"
+#include "geometry/zuTetrahedron.h"
+#include "geometry/zuTriPhysicalExtent.h"
 #include "tests/randomValues.h"
 #ifdef ZU_BENCH_PEERS
 #include <BulletCollision/CollisionShapes/btBoxShape.h>
@@ -207,7 +213,59 @@ void enginePairs(std::string const& name) {
   pairs<First, Second>(name);
 }
 
+/// One solid of every class, of the names of their elements.
+std::vector<std::shared_ptr<ZuShape const>> const& allSolids() {
+  static std::vector<std::shared_ptr<ZuShape const>> const theSolids = [] {
+    auto mesh = std::make_shared<ZuTriPhysicalExtent>();
+    mesh->fitFromShape(make<ZuCylinder>());
+    return std::vector<std::shared_ptr<ZuShape const>>{
+        mesh,
+        std::make_shared<ZuSphere>(make<ZuSphere>()),
+        std::make_shared<ZuCapsule>(make<ZuCapsule>()),
+        std::make_shared<ZuEllipsoid>(Pose(), ZuVector(0.4, 0.6, theHalf)),
+        std::make_shared<ZuTetrahedron>(ZuVector(0.8, 0.0, -0.5), ZuVector(-0.5, 0.7, -0.5), ZuVector(-0.5, -0.7, -0.5),
+                                        ZuVector(0.0, 0.0, 0.9)),
+        std::make_shared<ZuBox>(make<ZuBox>()),
+        std::make_shared<ZuLozenge>(ZuRectangle({}, {0.5, 0.0, 0.0}, {0.0, 0.4, 0.0}), 0.3),
+        std::make_shared<ZuHalfSpace>(ZuPlane({0.0, 0.0, -1.2}, {0.0, 0.0, 1.0})),
+        std::make_shared<ZuCylinder>(make<ZuCylinder>()),
+        std::make_shared<ZuCone>(make<ZuCone>())};
+  }();
+  return theSolids;
+}
+
+/// distanceTo() of an ordered pair that is answered, by the robust engine where there is no closed form.
+void pairDistance(benchmark::State& state, ZuShape const& first, ZuShape const& second) {
+  std::unique_ptr<ZuShape> const asked(static_cast<ZuShape*>(first.clone()));
+  asked->setGjkEngine(ZuRobustGJK());
+  ZuSystemShapeProximityState memory;
+  memory.setIsInitialized(true);
+  std::size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(asked->distanceTo(second, poses()[i], ZuShapeProximityDescriptor(), memory));
+    i = (i + 1) % thePoses;
+  }
+}
+
+void registerAllPairs() {
+  Zu::Print::instance().setSink([](int, std::string const&) {});  // pairs that are not answered say so
+  for (auto const& first : allSolids()) {
+    for (auto const& second : allSolids()) {
+      ZuSystemShapeProximityState memory;
+      memory.setIsInitialized(true);
+      std::uint64_t const before = ZuShape::unansweredPairs();
+      first->distanceTo(*second, poses()[0], ZuShapeProximityDescriptor(), memory);
+      if (ZuShape::unansweredPairs() != before) continue;
+      std::string const name = "pairs/" + first->token().token() + "/" + second->token().token();
+      benchmark::RegisterBenchmark(name.c_str(),
+                                   [first, second](benchmark::State& state) { pairDistance(state, *first, *second); });
+    }
+  }
+  Zu::Print::instance().setSink({});
+}
+
 bool const theRegistration = [] {
+  registerAllPairs();
   enginePairs<ZuCylinder, ZuBox>("solids/cylinderBox");
   enginePairs<ZuCylinder, ZuCylinder>("solids/cylinderCylinder");
   enginePairs<ZuCone, ZuBox>("solids/coneBox");

@@ -5,6 +5,7 @@
 #include "tests/allocationCounter.h"
 #include "tests/engineQueries.h"
 #include "tests/hardPairs.h"
+#include "tests/meshSamples.h"
 #include "tests/printSink.h"
 
 namespace {
@@ -120,6 +121,24 @@ TEST(RobustGjk, Guarantees1To4HoldForTheHardCases) {
               pair.witnessTolerance * (isCurvedDepth ? 100.0 : 1.0));
   });
   EXPECT_TRUE(answered > 100 || testing::Test::IsSkipped()) << answered;
+}
+
+TEST(RobustGjk, BallsAreFromMeshesWhatTheirCentresAreLessTheRadius) {
+  RandomValues r(7);
+  SCOPED_TRACE(r.trace());
+  ZuRobustGJK engine;
+  for (std::string const& name : meshFiles()) {
+    ZuPolyPhysicalExtent const mesh = realMesh(name);
+    if (mesh.points().empty()) GTEST_SKIP() << "no shared meshes";
+    ZuTriPhysicalExtent hull;
+    ASSERT_TRUE(hull.convexHull(mesh.points()));
+    hull.scaleBy(1.0 / ObjMesh::read(sharedFile(name)).size());
+    for (int k = 0; k < 40; ++k) {
+      ZuSphere const ball(hull.point(0) + r.vector(1.0), r.real(0.0, 0.5), 3);
+      double const expected = hull.distanceTo(ball.center()) - ball.radius();
+      EXPECT_NEAR(ask(engine, hull, ball, Pose(), Pose()).distance, expected, 1e-9) << name;
+    }
+  }
 }
 
 TEST(RobustGjk, Guarantee5NoFiniteNumbersMakeItLoopOrReturnNan) {
