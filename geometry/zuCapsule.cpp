@@ -230,9 +230,8 @@ std::vector<ZuOutlinePoint> capsuleOutline(double length, double radius, unsigne
 
 /// Along the longest axis, of the middle semi-axis b as radius. No capsule on that axis is smaller: one of the radius r
 /// >= b needs the core a - r to reach the pole of the longest semi-axis a, and its volume rises with r. It is enough:
-/// beyond the end of the core, at c = a - b, the squared distance of the ellipse's points from that end, (x - c)^2 +
-/// b^2
-/// - b^2 x^2 / a^2, is convex in x, and at most b^2 at x = c and at x = a.
+/// beyond the end of the core, at c = a - b, the squared distance of the ellipse's points from that end, that is
+/// (x - c)^2 + b^2 (1 - x^2 / a^2), is convex in x, and at most b^2 at x = c and at x = a.
 ZuCapsule around(ZuEllipsoid const& ellipsoid) {
   ZuVector const& radii = ellipsoid.radii();
   double const r[] = {std::abs(radii.x()), std::abs(radii.y()), std::abs(radii.z())};
@@ -368,12 +367,8 @@ bool ZuCapsule::checkIntersect(ZuShape const& other, ZuCoordinateSystemTransform
     case PHYSICAL_EXTENT:
     case POLY_PHYSICAL_EXTENT:
     case TRI_PHYSICAL_EXTENT:
-      return report(other.distanceTo(m_LineSegment) - m_Radius <= 0.0, descriptor, pairs);
-    case SPHERE: {
-      ZuSphere const& sphere = as<ZuSphere>(other);
-      double const reach = m_Radius + sphere.radius();
-      return report(m_LineSegment.distanceSquaredTo(sphere.center()) <= reach * reach, descriptor, pairs);
-    }
+    case SPHERE:
+      return report(capsuleMeets(m_LineSegment, m_Radius, other), descriptor, pairs);
     case CAPSULE: {
       ZuCapsule const& capsule = as<ZuCapsule>(other);
       double const reach = m_Radius + capsule.m_Radius;

@@ -283,12 +283,7 @@ ZuBasePhysicalExtent& ZuCone::physicalExtent() const {
   return *keptExtent();
 }
 
-ZuCapsule const& ZuCone::capsuleBoundingVolume() const {
-  if (keptCapsule() != nullptr) return *keptCapsule();
-  ZuCapsule around;
-  around.fitFromShape(*this);
-  return keepCapsule(around);
-}
+ZuCapsule const& ZuCone::capsuleBoundingVolume() const { return capsuleAround(); }
 
 double ZuCone::nearestSurfacePoint(ZuVector const& point, ZuVector& onSurface, ZuVector& normal) const {
   return solid().signedDistanceTo(point, onSurface, normal);

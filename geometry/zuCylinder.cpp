@@ -341,12 +341,8 @@ bool ZuCylinder::checkIntersect(ZuShape const& other, ZuCoordinateSystemTransfor
     case PHYSICAL_EXTENT:
     case POLY_PHYSICAL_EXTENT:
     case TRI_PHYSICAL_EXTENT:
-      return report(other.distanceTo(m_LineSegment) - m_Radius <= 0.0, descriptor, pairs);
-    case SPHERE: {
-      ZuSphere const& sphere = as<ZuSphere>(other);
-      double const reach = m_Radius + sphere.radius();
-      return report(m_LineSegment.distanceSquaredTo(sphere.center()) <= reach * reach, descriptor, pairs);
-    }
+    case SPHERE:
+      return report(capsuleMeets(m_LineSegment, m_Radius, other), descriptor, pairs);
     case CYLINDER: {
       ZuCylinder const& cylinder = as<ZuCylinder>(other);
       double const reach = m_Radius + cylinder.m_Radius;
@@ -471,12 +467,7 @@ bool ZuCylinder::computePenetrationDistanceAndSupportPoints(ZuLozenge const& loz
   return true;
 }
 
-ZuCapsule const& ZuCylinder::capsuleBoundingVolume() const {
-  if (keptCapsule() != nullptr) return *keptCapsule();
-  ZuCapsule around;
-  around.fitFromShape(*this);
-  return keepCapsule(around);
-}
+ZuCapsule const& ZuCylinder::capsuleBoundingVolume() const { return capsuleAround(); }
 
 ZuLineSegment const& ZuCylinder::lineSegment() const { return m_LineSegment; }
 

@@ -318,18 +318,7 @@ ZuBasePhysicalExtent& ZuEllipsoid::physicalExtent() const {
   return *keptExtent();
 }
 
-/// With a >= b >= c the semi-axes, the capsule with its core to a - b both ways and the radius b encloses the ellipsoid
-/// of semi-axes a, b, b: for 0 <= x <= a - b its half-width is b, and further out (x - (a - b))^2 + y^2 <= b^2 with
-/// y^2 = b^2 (1 - x^2 / a^2) says x - (a - b) <= b x / a, that is x <= a.
-ZuCapsule const& ZuEllipsoid::capsuleBoundingVolume() const {
-  if (keptCapsule() != nullptr) return *keptCapsule();
-  double const r[3] = {std::abs(radii().x()), std::abs(radii().y()), std::abs(radii().z())};
-  unsigned int const longest = static_cast<unsigned int>(std::max_element(r, r + 3) - r);
-  double const middle = std::max(r[(longest + 1) % 3], r[(longest + 2) % 3]);
-  ZuVector end;
-  end[longest] = r[longest] - middle;
-  return keepCapsule(ZuCapsule(ZuLineSegment(primaryFrame() * -end, primaryFrame() * end), middle));
-}
+ZuCapsule const& ZuEllipsoid::capsuleBoundingVolume() const { return capsuleAround(); }
 
 void ZuEllipsoid::registerComponents() {
   ZuShape::registerComponents();

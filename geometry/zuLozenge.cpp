@@ -218,12 +218,7 @@ ZuReal ZuLozenge::volume() const {
   return lozengeVolume(m_Rectangle.halfEdge(0).mag(), m_Rectangle.halfEdge(1).mag(), m_Radius);
 }
 
-ZuCapsule const& ZuLozenge::capsuleBoundingVolume() const {
-  if (keptCapsule() != nullptr) return *keptCapsule();
-  ZuCapsule around;
-  around.fitFromShape(*this);
-  return keepCapsule(around);
-}
+ZuCapsule const& ZuLozenge::capsuleBoundingVolume() const { return capsuleAround(); }
 
 void ZuLozenge::fitFromShape(ZuShape const& other) {
   if (fitToVerticesOf(other)) return;

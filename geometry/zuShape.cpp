@@ -848,6 +848,20 @@ void ZuShape::geometryChanged() {
   m_CapsuleBoundingVolume.reset();
 }
 
+ZuCapsule const& ZuShape::capsuleAround() const {
+  if (m_CapsuleBoundingVolume) return *m_CapsuleBoundingVolume;
+  ZuCapsule around;
+  around.fitFromShape(*this);
+  return keepCapsule(around);
+}
+
+bool ZuShape::capsuleMeets(ZuLineSegment const& core, double radius, ZuShape const& meshOrSphere) {
+  if (isMesh(meshOrSphere.type())) return meshOrSphere.distanceTo(core) - radius <= 0.0;
+  ZuSphere const& sphere = as<ZuSphere>(meshOrSphere);
+  double const reach = radius + sphere.radius();
+  return core.distanceSquaredTo(sphere.center()) <= reach * reach;
+}
+
 ZuCapsule const& ZuShape::keepCapsule(ZuCapsule const& capsule) const {
   m_CapsuleBoundingVolume = std::make_unique<ZuCapsule>(capsule);
   return *m_CapsuleBoundingVolume;

@@ -402,6 +402,10 @@ class ZU_API ZuShape : public ZuBaseExpressionTreeElement {
   static constexpr double m_theGrowthRounding = 1e-14;
   /// Keeps the capsule until the geometry changes.
   ZuCapsule const& keepCapsule(ZuCapsule const& capsule) const;
+  /// The capsule that is kept; otherwise the one that fits itself around this shape, which is kept from then on.
+  ZuCapsule const& capsuleAround() const;
+  /// Whether the capsule of the core and radius touches a mesh or a sphere, whose geometry is taken as it stands.
+  static bool capsuleMeets(ZuLineSegment const& core, double radius, ZuShape const& meshOrSphere);
   /// The capsule that is kept; null when there is none.
   ZuCapsule const* keptCapsule() const { return m_CapsuleBoundingVolume.get(); }
   /// Gives a new approximation the base attributes and surfaces of this shape: "Bounding" for a level of a chain.

@@ -271,10 +271,7 @@ void ZuSphere::axisAlignedBoundingBoxInPrimary(ZuAxisAlignedBoundingBox& box) co
   box.resize(capsuleBoundingVolume());
 }
 
-ZuCapsule const& ZuSphere::capsuleBoundingVolume() const {
-  return keptCapsule() != nullptr ? *keptCapsule()
-                                  : keepCapsule(ZuCapsule(ZuLineSegment(center(), center()), radius()));
-}
+ZuCapsule const& ZuSphere::capsuleBoundingVolume() const { return capsuleAround(); }
 
 void ZuSphere::registerComponents() {
   ZuShape::registerComponents();
