@@ -236,7 +236,8 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   // See ZuShape
 
   /// A mesh like that of the other shape: of an extent the same points and facets, of another solid its tessellation,
-  /// which need not enclose it. Not the supplied normals and texture coordinates.
+  /// made larger until it encloses the solid (but for a half-space, which has no bound). Not the supplied normals and
+  /// texture coordinates.
   void fitFromShape(ZuShape const& other) override;
   /// The same point as supportPoint(), but for ties, for points that no facet uses, and on a mesh that is not as convex
   /// as it says. It never prints: a mesh builds the neighbours or boxes that it lacks, and does not allocate after

@@ -14,7 +14,7 @@
 /// | other shape                  | distance, witness points, penetration          | contact            |
 /// |------------------------------|------------------------------------------------|--------------------|
 /// | 3 sphere                     | closed form, inside too                        | closed form        |
-/// | 4 capsule                    | closed form; a core that enters: engine        | the same           |
+/// | 4 capsule                    | closed form; a core that enters: ZuRobustGJK   | the same           |
 /// | 9 half-space                 | closed form, by the support point              | the same           |
 /// | 0, 1, 2 mesh; 5 to 8, 11, 12 | engine                                         | engine             |
 /// | 10, 13, 14, any other        | not answered: a line is printed; distance 0    | not answered: false |

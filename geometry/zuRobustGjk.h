@@ -34,9 +34,9 @@ class ZuDepthPolytope;
 ///
 /// They rest on support points that are right to rounding. Measured exceptions: of cones that graze one in ten thousand
 /// is off by 1e-8 sizes. Solids a million times as long as thick may be off by a part of 1e-6 of the length, and then
-/// on the wrong side of contact. A depth
-/// that maxIterations() cuts short, as of two coaxial cylinders or nearly round ellipsoids about one centre, which are
-/// as deep in many directions, is one of a local minimum: what was proven of it, depthGap() tells.
+/// on the wrong side of contact. A depth that maxIterations() cuts short, as of two coaxial cylinders or nearly round
+/// ellipsoids about one centre, which are as deep in many directions, is one of a local minimum: what was proven of it,
+/// depthGap() tells.
 ///
 /// **The steps** of ZuGJK are not part of this iteration; overriding them changes nothing. It keeps no simplex:
 /// `reset()`, `saveCache()` and the dumps see that of the base class, which stays empty.
