@@ -17,6 +17,11 @@ constexpr double theRounding = 16.0 * 0x1p-52;
 /// taken along it, which keeps its direction however short it is.
 constexpr double theWellConditioned = 1e-6;
 
+/// How far apart boxes that overlap are brought to find their witness points, as a part of the size of the pair. The
+/// way is found to its rounding: c r of the size, with c this part, and across it to sqrt(2 c r), 3e-10. Larger,
+/// needles get points that are not across from each other; smaller, the rounding of the way itself.
+constexpr double theClearance = 0x1p-16;
+
 /// Guesses at the nearest corners: with more, few more pairs are settled than what the guesses cost.
 constexpr unsigned int theGuesses = 2;
 
@@ -78,14 +83,17 @@ ZuPlainBox ZuPlainBox::aroundSegment(ZuPlainSegment const& segment) {
 }
 
 ZuPlainBox ZuPlainBox::aroundRectangle(ZuRectangle const& rectangle) {
-  ZuVector h0 = rectangle.halfEdge(0);
-  ZuVector h1 = rectangle.halfEdge(1);
+  return aroundHalfEdges(rectangle.center(), rectangle.halfEdge(0), rectangle.halfEdge(1));
+}
+
+ZuPlainBox ZuPlainBox::aroundHalfEdges(ZuVector const& center, ZuVector const& halfEdge0, ZuVector const& halfEdge1) {
+  ZuVector h0 = halfEdge0, h1 = halfEdge1;
   if (h0.magSquared() < h1.magSquared()) std::swap(h0, h1);
   ZuVector const unit = h0.unitVector();
-  if (unit == ZuVector()) return aroundPoint(rectangle.center());
+  if (unit == ZuVector()) return aroundPoint(center);
   ZuVector side = (h1 - unit * unit.dot(h1)).unitVector();
   if (side == ZuVector()) side = zuPerpendicular(unit);
-  return {rectangle.center(), {unit, side, unit.cross(side)}, {h0.mag(), h1.mag(), 0.0}};
+  return {center, {unit, side, unit.cross(side)}, {h0.mag(), h1.mag(), 0.0}};
 }
 
 ZuPlainBox ZuPlainBox::transformedBy(ZuCoordinateSystemTransformation const& t_12) const {
@@ -331,8 +339,10 @@ ZuBoxPair::Depth ZuBoxPair::depth() const {
   for (unsigned int i = 0; i < 3; ++i) {
     for (unsigned int j = 0; j < 3; ++j) {
       ZuVector const n = product(i, j);
-      if (!(n.magSquared() > theZuParallelSine * theZuParallelSine)) continue;
-      if (!(productOverlap(i, j) < least.overlap * n.mag())) continue;
+      double const square = n.magSquared(), ofProduct = productOverlap(i, j);
+      if (!(square > theZuParallelSine * theZuParallelSine)) continue;
+      // Squares with their signs, instead of a root.
+      if (!(ofProduct * std::abs(ofProduct) < least.overlap * std::abs(least.overlap) * square)) continue;
       ZuVector const unit = n.unitVector();
       double const overlap = overlapAlong(unit);  // again, without the error of a short product
       if (overlap < least.overlap - noise) least = {overlap, towards2(unit)};
@@ -355,7 +365,7 @@ ZuSeparation ZuBoxPair::separation() const {
   // Moved out by the depth the two touch; moved on in the same direction, they still have the same nearest points, and
   // those are well defined.
   double const overlap = std::max(depth.overlap, 0.0);
-  double const clearance = m_Rounding > 0.0 ? m_Rounding / theRounding : 1.0;
+  double const clearance = m_Rounding > 0.0 ? m_Rounding / theRounding * theClearance : 1.0;
   ZuBoxPair moved(*this);
   for (unsigned int i = 0; i < 3; ++i) moved.m_C[i] += (overlap + clearance) * depth.direction[i];
   Way const way = moved.shortestWay();

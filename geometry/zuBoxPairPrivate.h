@@ -16,6 +16,7 @@ struct ZuPlainBox {
   static ZuPlainBox aroundSegment(ZuPlainSegment const& segment);
   /// Half edges that are not quite perpendicular, as read from a document, are made so.
   static ZuPlainBox aroundRectangle(ZuRectangle const& rectangle);
+  static ZuPlainBox aroundHalfEdges(ZuVector const& center, ZuVector const& halfEdge0, ZuVector const& halfEdge1);
 
   ZuPlainBox transformedBy(ZuCoordinateSystemTransformation const& t_12) const;
 };

@@ -3,6 +3,7 @@
 #include <typeinfo>
 
 #include "geometry/zuBox.h"
+#include "geometry/zuBoxPairPrivate.h"
 #include "geometry/zuCapsule.h"
 #include "geometry/zuCone.h"
 #include "geometry/zuCylinder.h"
@@ -99,6 +100,28 @@ void ZuConvexCore::alignWithSegment() {
   turn = ZuTurn(x, z.cross(x), z);
 }
 
+bool ZuConvexCore::isBox(ZuPlainBox& box) const {
+  // Half edges of a rectangle that are not at a right angle, by more than rounding, are no box.
+  constexpr double theRightAngle = 4.0 * 0x1p-52;
+  switch (m_Kind) {
+    case BOX:
+      box = ZuPlainBox::aroundPoint(ZuVector());
+      box.extents = ZuVector(std::abs(m_Half.x()), std::abs(m_Half.y()), std::abs(m_Half.z()));
+      return true;
+    case RECTANGLE:
+      box = ZuPlainBox::aroundHalfEdges(ZuVector(), m_Half, m_OtherHalf);
+      return std::abs(m_Half.dot(m_OtherHalf)) <= theRightAngle * m_Half.mag() * m_OtherHalf.mag();
+    case SEGMENT:
+      box = ZuPlainBox::aroundSegment(ZuPlainSegment::between(-m_Half, m_Half));
+      return true;
+    case POINT:
+      box = ZuPlainBox::aroundPoint(ZuVector());
+      return true;
+    default:
+      return false;
+  }
+}
+
 ZuVector ZuConvexCore::askShape(ZuVector const& d) const { return m_Shape.computeSupportPoint(d); }
 
 ZuCoreDifference::ZuCoreDifference(ZuShape const& shape1, ZuShape const& shape2,
@@ -121,4 +144,13 @@ void ZuCoreDifference::supportScaled(ZuVector const& direction, ZuCorePoint& poi
   point.p = core1.support(unit) * m_Scale;
   point.q = core2.support(m_Turn.inverseTimes(-unit)) * m_Scale;
   finish(point);
+}
+
+bool ZuCoreDifference::areBoxes(ZuPlainBox& box1, ZuPlainBox& box2) const {
+  if (!core1.isBox(box1) || !core2.isBox(box2)) return false;
+  box1.extents *= m_Scale;
+  box2.extents *= m_Scale;
+  for (ZuVector& axis : box2.axes) axis = m_Turn.times(axis);
+  box2.center = m_Offset;
+  return true;
 }

@@ -7,6 +7,7 @@
 #include "foundation/zuCoordinateSystemTransformation.h"
 
 class ZuShape;
+struct ZuPlainBox;
 
 /// A rotation by the columns of its matrix; the identity costs a branch.
 struct ZuTurn {
@@ -67,6 +68,12 @@ class ZuConvexCore {
   double radius = 0.0;
   /// A bound on the coordinates of the points in the core's frame; 0 when only its points will tell.
   double reach() const { return m_Kind == SHAPE ? 0.0 : sum(m_Half) + sum(m_OtherHalf); }
+  /// Radius of a ball about the origin of the core's frame inside a box; 0 for any other core.
+  double ballInBox() const {
+    return m_Kind == BOX ? std::min(std::abs(m_Half.x()), std::min(std::abs(m_Half.y()), std::abs(m_Half.z()))) : 0.0;
+  }
+  /// Whether the core is a box, a rectangle, a segment or a point; sets it in its frame then.
+  bool isBox(ZuPlainBox& box) const;
 
  private:
   enum Kind { SHAPE, POINT, SEGMENT, RECTANGLE, BOX, CYLINDER, CONE, ELLIPSOID };
@@ -144,6 +151,16 @@ class ZuCoreDifference {
   ZuVector witness2(ZuVector const& q, ZuVector const& n, double length) const {
     return core2.inShape((q + m_Turn.inverseTimes(n) * length) * (1.0 / m_Scale));
   }
+
+  /// Whether both cores are boxes that hold balls which overlap: no proof for other pairs, but as cheap as can be.
+  bool areBoxesDeepInEachOther() const {
+    double const reach = (core1.ballInBox() + core2.ballInBox()) * m_Scale;
+    return m_Offset.magSquared() < reach * reach;
+  }
+  /// Whether both cores are boxes, rectangles, segments or points; sets them in the frame of core 1 then.
+  bool areBoxes(ZuPlainBox& box1, ZuPlainBox& box2) const;
+  /// The point of core 2, given in the frame of core 1, in that of its own.
+  ZuVector inCore2(ZuVector const& q) const { return m_Turn.inverseTimes(q - m_Offset); }
 
   /// Outside of these, sixth powers of lengths leave the doubles.
   static constexpr double theSmallest = 1e-40, theLargest = 1e40;

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "foundation/zuPrint.h"
+#include "geometry/zuBoxPairPrivate.h"
 #include "geometry/zuDepthPolytopePrivate.h"
 #include "geometry/zuShape.h"
 #include "geometry/zuSphere.h"
@@ -281,6 +282,7 @@ bool ZuRobustGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoord
 bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool computePenetration, Answer& answer) {
   m_DepthGap = 0.0;
   double const radii = set.radius1() + set.radius2();
+  if (computePenetration && set.areBoxesDeepInEachOther() && findBoxDepth(set, answer)) return set.isInRange();
   bool const hasStart = start != nullptr && *start != ZuVector() && isFinite(*start);
   ZuVector const v = hasStart ? set.fromWorld(*start) : set.betweenCenters();
   Iteration iteration(set, m_Tolerance);
@@ -305,6 +307,7 @@ bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool compu
 /// Sets the answer for cores that overlap. When the polytope proves that they don't, the iteration starts again, where
 /// it was proven.
 bool ZuRobustGJK::findDepth(ZuCoreDifference& set, Iteration& iteration, Answer& answer) {
+  if (findBoxDepth(set, answer)) return set.isInRange();
   double const radii = set.radius1() + set.radius2();
   if (!m_Polytope) m_Polytope = std::make_unique<ZuDepthPolytope>();
   ZuDepthPolytope::Depth depth;
@@ -331,6 +334,17 @@ bool ZuRobustGJK::findDepth(ZuCoreDifference& set, Iteration& iteration, Answer&
   if (isApart) answer.normal = answer.point.y * (1.0 / length);
   answer.distance = (isApart ? length : 0.0) - radii;
   return set.isInRange();
+}
+
+/// Of cores that are boxes, flat or not, in closed form; false for others.
+bool ZuRobustGJK::findBoxDepth(ZuCoreDifference const& set, Answer& answer) const {
+  ZuPlainBox box1, box2;
+  if (!set.areBoxes(box1, box2)) return false;
+  ZuSeparation const found = ZuBoxPair(box1, box2).separation();
+  answer.normal = -found.direction;
+  answer.point = {answer.normal * found.distance, found.point1, set.inCore2(found.point2)};
+  answer.distance = found.distance - (set.radius1() + set.radius2());
+  return true;
 }
 
 bool ZuRobustGJK::penetration(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,

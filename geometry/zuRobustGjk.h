@@ -87,6 +87,7 @@ class ZU_API ZuRobustGJK : public ZuGJK {
 
   bool query(ZuCoreDifference& set, ZuVector const* start, bool computePenetration, Answer& answer);
   bool findDepth(ZuCoreDifference& set, Iteration& iteration, Answer& answer);
+  bool findBoxDepth(ZuCoreDifference const& set, Answer& answer) const;
 
   std::unique_ptr<ZuDepthPolytope> m_Polytope;
   double m_DepthGap = 0.0;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "geometry/zuBox.h"
 #include "tests/allocationCounter.h"
 #include "tests/engineQueries.h"
 #include "tests/hardPairs.h"
@@ -75,6 +76,29 @@ TEST(RobustGjk, Guarantees1To4And6HoldForPolytopesOfEverySizeAndPlace) {
   }
   EXPECT_GT(apart, 300);
   EXPECT_GT(overlapping, 300);
+}
+
+TEST(RobustGjk, Guarantees3And4HoldForBoxesDownToNeedles) {
+  RandomValues r(8);
+  SCOPED_TRACE(r.trace());
+  ZuRobustGJK engine;
+  for (int k = 0; k < 2000; ++k) {
+    ZuVector halves[2];
+    for (ZuVector& half : halves) half = {r.scale(1e-12, 1.0), k % 3 == 0 ? 0.5 : r.scale(1e-12, 1.0), 0.5};
+    Pose const T1(r.vector(), r.orientation());
+    Pose const T2(T1.translation() + r.direction() * r.scale(1e-12, 0.5),
+                  k % 5 == 0 ? T1.orientation() : r.orientation());
+    HullShape const hulls[2] = {HullShape::box(2.0 * halves[0].x(), 2.0 * halves[0].y(), 2.0 * halves[0].z()),
+                                HullShape::box(2.0 * halves[1].x(), 2.0 * halves[1].y(), 2.0 * halves[1].z())};
+    double const depth =
+        oracle::depth(oracle::placed(hulls[0].vertices(), T1), oracle::placed(hulls[1].vertices(), T2));
+    if (depth < 0.0) continue;
+    Answer const answer = ask(engine, ZuBox(Pose(), halves[0]), ZuBox(Pose(), halves[1]), T1, T2);
+    EXPECT_NEAR(answer.distance, -depth, 1e-12) << k;
+    expectConsistent(answer, T1, T2, 1e-11);
+    EXPECT_LE(distanceByOracle(hulls[0], HullShape({answer.witness1})), 1e-9) << k;
+    EXPECT_LE(distanceByOracle(hulls[1], HullShape({answer.witness2})), 1e-9) << k;
+  }
 }
 
 TEST(RobustGjk, Guarantee1HoldsForFineHullsWhereverTheyStart) {
