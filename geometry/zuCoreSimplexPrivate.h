@@ -10,9 +10,9 @@
 ///
 /// The nearest point of the grown simplex is looked for as by signed volumes (Montanari et al. 2017): signs of volumes
 /// and of areas, all from cross products of edges at the new point, tell beyond which faces the origin lies, and only
-/// there, and only on faces of the new point, is it looked for. What rounding leaves without an answer, or with one
-/// that is not nearer, is looked for on all faces (`nearestByTrial`). No test knows a length: the answer scales with
-/// the set.
+/// there, and only on faces of the new point, is it looked for. No test knows a length: the answer scales
+/// with the set. Of slim simplices rounding may leave no answer, or a wrong one: mean() is a point of the set whatever
+/// the weights are, and tells.
 class ZuCoreSimplex {
  public:
   /// A face and its point nearest to the origin.
@@ -50,40 +50,11 @@ class ZuCoreSimplex {
         offerEdge(a, m_Place[0], best);
         break;
       case 2:
-        offerTriangle(a, m_Place[0], m_Place[1], false, best);
+        offerTriangle(a, m_Place[0], m_Place[1], best);
         break;
       default:
         offerTetrahedron(best);
         break;
-    }
-    return best;
-  }
-  /// The same by trying all faces.
-  Nearest nearestByTrial() const {
-    Nearest best;
-    int const a = m_Free, *b = m_Place;
-    if (m_Count < 2) return nearest();
-    offerTriangle(a, b[0], b[1], true, best);
-    if (m_Count == 2) return best;
-    offerTriangle(a, b[1], b[2], true, best);
-    offerTriangle(a, b[2], b[0], true, best);
-    offerTriangle(b[0], b[1], b[2], true, best);
-    return best;
-  }
-  /// The nearest point of the faces of the present simplex, or of the edges of a triangle: of a slim figure hardly
-  /// farther, and told with less rounding.
-  Nearest nearestOfBoundary() const {
-    Nearest best;
-    int const* const b = m_Place;
-    if (m_Count == 4) {
-      offerTriangle(b[0], b[1], b[2], true, best);
-      offerTriangle(b[0], b[2], b[3], true, best);
-      offerTriangle(b[0], b[3], b[1], true, best);
-      offerTriangle(b[1], b[3], b[2], true, best);
-    } else if (m_Count == 3) {
-      offerEdge(b[0], b[1], best);
-      offerEdge(b[1], b[2], best);
-      offerEdge(b[2], b[0], best);
     }
     return best;
   }
@@ -105,6 +76,15 @@ class ZuCoreSimplex {
     m_Weight[0] = 1.0;
     m_Count = m_Free = 1;
   }
+  /// Becomes these points.
+  void take(ZuCorePoint const* points, double const* weights, int count) {
+    for (int i = 0; i < count; ++i) {
+      m_Points[i] = points[i];
+      m_Place[i] = i;
+      m_Weight[i] = weights[i];
+    }
+    m_Count = m_Free = count;
+  }
   /// The mean of the points that is nearest to the origin, of the cores and of the difference set.
   ZuCorePoint mean() const {
     double sum = m_Weight[0];
@@ -117,27 +97,6 @@ class ZuCoreSimplex {
       mean.q += point(i).q * weight;
     }
     return mean;
-  }
-  /// Corrects the weights of three or four points by what their mean is off: for a simplex of size e and a width of s e
-  /// they are rough by eps / s, and by its square when corrected once.
-  void refine() {
-    if (m_Count < 3) return;
-    ZuVector const rest = mean().y;
-    ZuVector edges[3];
-    for (int i = 1; i < m_Count; ++i) edges[i - 1] = point(i).y - point(0).y;
-    double change[4] = {};
-    bool const isSolved = m_Count == 3
-                              ? ZuSimplex::triangleWeights(rest, edges[0], edges[1], edges[0].cross(edges[1]), change)
-                              : ZuSimplex::tetrahedronWeights(rest, edges, change);
-    if (!isSolved) return;
-    double sum = 0.0;
-    for (int i = 0; i < m_Count; ++i) sum += m_Weight[i];
-    double others = 0.0;
-    for (int i = 1; i < m_Count; ++i) {
-      m_Weight[i] = std::max(m_Weight[i] / sum + change[i - 1], 0.0);
-      others += m_Weight[i];
-    }
-    m_Weight[0] = std::max(1.0 - others, 0.0);
   }
 
  private:
@@ -156,14 +115,13 @@ class ZuCoreSimplex {
     double const square = v.magSquared();
     if (square < best.square) best = {v, square, 2, {a, b}, {length - along, along}};
   }
-  /// `all`: also the edge from b to c, which a new point a never makes nearest but by rounding.
-  void offerTriangle(int a, int b, int c, bool all, Nearest& best) const {
+  void offerTriangle(int a, int b, int c, Nearest& best) const {
     ZuVector const ab = y(b) - y(a), ac = y(c) - y(a);
-    offerTriangle(a, b, c, ab, ac, ab.cross(ac), all, best);
+    offerTriangle(a, b, c, ab, ac, ab.cross(ac), best);
   }
   /// The weights of ZuSimplex::triangleWeights() times normal^2, and their signs. Where one is negative, the edge
-  /// across has the projection of the origin in front of it.
-  void offerTriangle(int a, int b, int c, ZuVector const& ab, ZuVector const& ac, ZuVector const& normal, bool all,
+  /// across has the projection of the origin in front of it; of a new point a, that is never the edge from b to c.
+  void offerTriangle(int a, int b, int c, ZuVector const& ab, ZuVector const& ac, ZuVector const& normal,
                      Nearest& best) const {
     ZuVector const& ya = y(a);
     double const square = normal.magSquared();
@@ -178,7 +136,6 @@ class ZuCoreSimplex {
     }
     if (isFlat || !(atC > 0.0)) offerEdge(a, b, best);
     if (isFlat || !(atB > 0.0)) offerEdge(a, c, best);
-    if ((isFlat || !(atA > 0.0)) && all) offerEdge(b, c, best);
   }
   /// Beyond a face lies what is on the other side of it than the fourth point. The face across from the new point has
   /// the origin inside: the point before was nearest on it, and the new one is nearer along its direction.
@@ -195,7 +152,7 @@ class ZuCoreSimplex {
                                    ZuVector const& normal) {
       if (!(normal.dot(y(a)) * volume > 0.0)) return;
       isInside = false;
-      offerTriangle(a, second, third, edge2, edge3, normal, false, best);
+      offerTriangle(a, second, third, edge2, edge3, normal, best);
     };
     offerIfBeyond(b, c, ab, ac, abc);
     offerIfBeyond(c, d, ac, ad, acd);

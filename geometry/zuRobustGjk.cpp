@@ -5,6 +5,7 @@
 #include "foundation/zuPrint.h"
 #include "geometry/zuBoxPairPrivate.h"
 #include "geometry/zuDepthPolytopePrivate.h"
+#include "geometry/zuPreciseSimplexPrivate.h"
 #include "geometry/zuShape.h"
 #include "geometry/zuSphere.h"
 
@@ -20,14 +21,10 @@ constexpr unsigned int theMostExpansions = 2048;
 /// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is
 /// inside at a distance of this. Smaller, the iteration chases its own rounding.
 constexpr double theRounding = 8.0 * 0x1p-52;
-/// A distance that is less than this part of the largest numbers is 0 for cores that are too thin to have a depth.
-constexpr double theThin = 1e-9;
 /// Vectors of the set that are longer than this part of its largest numbers have a direction, to 1e-6.
 constexpr double theStraightLength = 1e-9;
-/// Steps of an iteration; polytopes take 5 to 20, curved solids up to 60.
+/// Steps of an iteration, in doubles and again in twice their digits; polytopes take 5 to 20, curved solids up to 60.
 constexpr int theMostSteps = 256;
-/// How often an iteration may start again from the mean of its simplex.
-constexpr int theMostRecoveries = 32;
 
 bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
 /// Of all at once: what is not finite is not 0 when multiplied by it.
@@ -74,151 +71,85 @@ struct ZuRobustGJK::Answer {
 /// Invariants: v is the point nearest to the origin of a simplex of difference points; `m_Bound`, the largest v . w /
 /// |v| over all steps, is a lower bound of the distance, since the plane through the support point w at a right angle
 /// to v has the set behind it. Each step makes |v| smaller, or ends the iteration.
+///
+/// What it ends with is judged by the mean of the simplex, a point of the set for sure. Where that is not as near as
+/// the bound allows, the simplex was too slim for doubles, and the iteration goes on in twice their digits.
 class ZuRobustGJK::Iteration {
  public:
   Iteration(ZuCoreDifference& set, double tolerance) : m_Set(set), m_Tolerance(tolerance) {}
 
-  /// Starts again, from the nearest point found, where rounding left no proof: the simplex has become slim then, and
-  /// one of new points, in nearly the right direction, is better.
   void run(ZuVector const& start) {
-    runOnce(start);
-    for (int i = 0; i < theMostStarts && !m_Overlaps && !isCertified(); ++i) {
-      ZuCorePoint const before = m_Result;
-      runOnce(before.y);
-      if (!m_Overlaps && before.y.magSquared() < m_Result.y.magSquared()) m_Result = before;
+    begin(start);
+    for (int steps = 1; steps < theMostSteps && !m_Overlaps && step(); ++steps) {
     }
-    // So near that the polytope has to tell.
-    double const length = m_Result.y.mag(), extent = m_Set.extent();
-    double const doubtful = length - m_Bound > theDoubtfulGap * extent ? theDoubtful : theGraze;
-    if (!isCertified() && length <= doubtful * extent) m_Overlaps = true;
+    m_Result = m_Simplex.mean();
+    if (!isCertified()) goOnPrecisely();
   }
   bool overlaps() const { return m_Overlaps; }
-  /// Distances up to this are rounding, m.
-  double rounding() const { return theSlack * band(); }
   ZuCoreSimplex const& simplex() const { return m_Simplex; }
   /// The nearest point; of an overlap, one within rounding of the origin.
   ZuCorePoint const& result() const { return m_Result; }
 
  private:
-  void runOnce(ZuVector const& start) {
+  void begin(ZuVector const& start) {
     m_V = start.unitVector();
     if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
     ZuCorePoint first;
     m_Set.support(-m_V, first);
-    m_Bound = std::max(m_Bound, m_V.dot(first.y));
+    m_Bound = m_V.dot(first.y);
     m_First = m_V = first.y;
     m_Simplex.take(first);
     m_Square = m_V.magSquared();
     m_Overlaps = !(m_Square > noise() * noise());
-    m_IsDone = m_IsMean = false;
-    m_Recoveries = 0;
-    int steps = 1;
-    do {
-      while (steps < theMostSteps && !m_Overlaps && step()) ++steps;
-    } while (m_Overlaps && !isProven());
-    if (!m_IsDone) m_Result = m_Simplex.mean();
   }
-  bool isCertified() const { return m_Result.y.mag() - m_Bound <= theSlack * band(); }
+  bool isCertified() const { return m_Result.y.mag() - (m_Overlaps ? 0.0 : m_Bound) <= theSlack * band(); }
   double noise() const { return theRounding * m_Set.extent(); }
   double band() const { return m_Tolerance * m_Size + noise(); }
 
   bool step() {
     ZuCorePoint& w = m_Simplex.freePoint();
-    m_Set.support(-m_V, w);
-    double const length = std::sqrt(m_Square);
-    m_Bound = std::max(m_Bound, m_V.dot(w.y) / length);
-    if (length - m_Bound <= band()) return certify(w);
-    ZuVector const away = w.y - m_First;
-    m_Size = std::max(m_Size, std::max(std::abs(away.x()), std::max(std::abs(away.y()), std::abs(away.z()))));
-    if (m_Simplex.isRepeated()) return recover(w);
-    ZuCoreSimplex::Nearest nearest = m_Simplex.nearest();
-    if (nearest.count == 4 && m_Bound > noise()) nearest.square = m_Square;  // proven apart: rounding
-    if (!(nearest.square < m_Square)) nearest = m_Simplex.nearestByTrial();
-    if (!(nearest.square < m_Square)) return recover(w);
-    takeNearest(nearest);
-    return true;
-  }
-  void takeNearest(ZuCoreSimplex::Nearest const& nearest) {
+    if (meetsBound(w, std::sqrt(m_Square)) || m_Simplex.isRepeated()) return false;
+    ZuCoreSimplex::Nearest const nearest = m_Simplex.nearest();
+    bool const isImpossible = nearest.count == 4 && m_Bound > noise();  // proven apart: rounding
+    if (isImpossible || !(nearest.square < m_Square)) return false;
     m_Simplex.take(nearest);
     m_V = nearest.v;
     m_Square = nearest.square;
-    m_IsMean = false;
     m_Overlaps = !(m_Square > noise() * noise());
+    return true;
   }
-
-  /// Sets the result to the mean of the simplex, or of a face of it, and tells whether it is as near as the least
-  /// distance allows. The mean is a point of the set for sure; what a slim simplex says of its nearest point may be
-  /// off.
-  bool meanIsWithin(double least) {
-    m_IsDone = true;
-    double nearest = std::numeric_limits<double>::infinity();
-    for (;;) {
-      for (int i = 0; i < theRefinements; ++i) {
-        ZuCorePoint const mean = m_Simplex.mean();
-        double const length = mean.y.mag();
-        if (!(length >= nearest)) m_Result = mean;
-        nearest = std::min(nearest, length);
-        if (length - least <= theSlack * band()) return true;
-        m_Simplex.refine();
-      }
-      ZuCoreSimplex::Nearest const ofBoundary = m_Simplex.nearestOfBoundary();
-      if (ofBoundary.count == 0) return false;
-      m_Simplex.take(ofBoundary);
+  /// Whether the support point proves that nothing is nearer than v, of the given length.
+  bool meetsBound(ZuCorePoint& w, double length) {
+    m_Set.support(-m_V, w);
+    m_Bound = std::max(m_Bound, m_V.dot(w.y) / length);
+    ZuVector const away = w.y - m_First;
+    m_Size = std::max(m_Size, std::max(std::abs(away.x()), std::max(std::abs(away.y()), std::abs(away.z()))));
+    return length - m_Bound <= band();
+  }
+  void goOnPrecisely() {
+    ZuPreciseSimplex simplex(m_Simplex);
+    ZuCorePoint w;
+    for (int steps = 0; steps < theMostSteps; ++steps) {
+      m_V = simplex.nearest();
+      double const length = m_V.mag();
+      m_Overlaps = !(length > noise());
+      if (m_Overlaps || meetsBound(w, length) || !simplex.add(w)) break;
     }
-  }
-  bool certify(ZuCorePoint const& w) { return !meanIsWithin(m_Bound) && recover(w); }
-  /// The same for an origin that is said to be inside; goes on from the mean if it is not.
-  bool isProven() {
-    if (meanIsWithin(0.0)) return true;
-    ++m_Recoveries;
-    goOnFromMean();
-    m_IsDone = m_Recoveries > theMostRecoveries;
-    return m_IsDone;
-  }
-  /// Goes on from the segment of the mean and the support point w, which holds a nearer point than the mean if w is one
-  /// for it too; otherwise from the mean alone, unless that is where it came from: then rounding has the last word.
-  bool recover(ZuCorePoint const& newest) {
-    ZuCorePoint const w = newest;
-    if (meanIsWithin(m_Bound)) return false;
-    bool const wasMean = m_IsMean;
-    ++m_Recoveries;
-    goOnFromMean();
-    m_Simplex.freePoint() = w;
-    ZuCoreSimplex::Nearest const nearest = m_Simplex.nearest();
-    bool const isNearer = nearest.square < m_Square;
-    m_IsDone = (!isNearer && wasMean) || m_Recoveries > theMostRecoveries;
-    if (isNearer && !m_IsDone) takeNearest(nearest);
-    return !m_IsDone;
-  }
-  void goOnFromMean() {
-    if (m_Recoveries > 1 && m_Best.y.magSquared() < m_Result.y.magSquared()) m_Result = m_Best;
-    m_Best = m_Result;
-    m_Simplex.take(m_Result);
-    m_V = m_Result.y;
-    m_Square = m_V.magSquared();
-    m_IsMean = true;
-    m_Overlaps = m_IsDone = false;
+    simplex.copyTo(m_Simplex);
+    m_Result = m_Simplex.mean();
   }
 
-  static constexpr int theMostStarts = 3;
-  /// How often a mean is corrected.
-  static constexpr int theRefinements = 3;
-  /// Distances without proof that are less than this part of the largest numbers, or than the other when the gap of
-  /// their bounds is wide, a part of the same numbers, are for the polytope to judge.
-  static constexpr double theGraze = 1e-9, theDoubtful = 1e-6, theDoubtfulGap = 2e-10;
   /// How much wider than the band a gap may be that rounding leaves.
   static constexpr double theSlack = 4.0;
 
   ZuCoreDifference& m_Set;
   ZuCoreSimplex m_Simplex;
-  ZuCorePoint m_Result, m_Best;
+  ZuCorePoint m_Result;
   ZuVector m_V, m_First;
   double m_Tolerance, m_Square = 0.0;
-  double m_Bound = -std::numeric_limits<double>::infinity();  ///< of the distance, from below
-  double m_Size = 0.0;                                        ///< of the set, as far as it was seen
-  int m_Recoveries = 0;
-  bool m_Overlaps = false, m_IsDone = false;
-  bool m_IsMean = false;  ///< the simplex is one point, the mean of an earlier one
+  double m_Bound = 0.0;  ///< of the distance, from below
+  double m_Size = 0.0;   ///< of the set, as far as it was seen
+  bool m_Overlaps = false;
 };
 
 ZuRobustGJK::ZuRobustGJK() {
@@ -289,14 +220,8 @@ bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool compu
   iteration.run(v);
   answer.point = iteration.result();
   if (iteration.overlaps()) {
-    if (computePenetration) return findDepth(set, iteration, answer);
-    // What the iteration only suspects to overlap, the polytope judges.
-    Answer judged;
-    if (answer.point.y.mag() > theThin * set.extent() && findDepth(set, iteration, judged) &&
-        judged.distance + radii > 0.0) {
-      answer = judged;
-    }
-    return set.isInRange();
+    answer.distance = -radii;
+    return computePenetration ? findDepth(set, iteration.simplex(), answer) : set.isInRange();
   }
   double const length = answer.point.y.mag();
   answer.normal = answer.point.y * (1.0 / length);
@@ -304,35 +229,23 @@ bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool compu
   return set.isInRange() && std::isfinite(answer.distance);
 }
 
-/// Sets the answer for cores that overlap. When the polytope proves that they don't, the iteration starts again, where
-/// it was proven.
-bool ZuRobustGJK::findDepth(ZuCoreDifference& set, Iteration& iteration, Answer& answer) {
+/// Sets the answer for cores that overlap, where it is their distance: of cores that are too thin for a depth, or touch
+/// within rounding, it stays that.
+bool ZuRobustGJK::findDepth(ZuCoreDifference& set, ZuCoreSimplex const& simplex, Answer& answer) {
   if (findBoxDepth(set, answer)) return set.isInRange();
-  double const radii = set.radius1() + set.radius2();
   if (!m_Polytope) m_Polytope = std::make_unique<ZuDepthPolytope>();
   ZuDepthPolytope::Depth depth;
   ZuDepthPolytope::Outcome const outcome =
-      m_Polytope->search(set, iteration.simplex(), std::max(theDepthTolerance, m_Tolerance), m_MaxIterations, depth);
-  if (!set.isInRange()) return false;
+      m_Polytope->search(set, simplex, std::max(theDepthTolerance, m_Tolerance), m_MaxIterations, depth);
   answer.normal = -depth.normal;
   if (outcome == ZuDepthPolytope::FOUND) {
     answer.point = depth.nearest;
     // Where the nearest point was not proven to be one, it need not be at a right angle to its facet.
     double const length = depth.nearest.y.mag();
     if (length > theStraightLength * set.extent()) answer.normal = depth.nearest.y * (-1.0 / length);
-    answer.distance = std::min(answer.normal.dot(depth.nearest.y), 0.0) - radii;
+    answer.distance += std::min(answer.normal.dot(depth.nearest.y), 0.0);
     m_DepthGap = std::max(0.0, depth.upper - depth.lower);
-    return true;
   }
-  // Apart after all, or too thin for a depth: what the iteration found stands, unless that was a common point.
-  Iteration again(set, m_Tolerance);
-  if (outcome == ZuDepthPolytope::APART) again.run(answer.normal);
-  Iteration const& found = outcome == ZuDepthPolytope::APART && !again.overlaps() ? again : iteration;
-  answer.point = found.result();
-  double const length = answer.point.y.mag();
-  bool const isApart = length > (outcome == ZuDepthPolytope::APART ? found.rounding() : theThin * set.extent());
-  if (isApart) answer.normal = answer.point.y * (1.0 / length);
-  answer.distance = (isApart ? length : 0.0) - radii;
   return set.isInRange();
 }
 
