@@ -60,6 +60,33 @@ class ZuConvexCore {
         return askShape(d);
     }
   }
+  /// Whether some of the core's boundary is curved.
+  bool isCurved() const { return m_Kind == CYLINDER || m_Kind == CONE || m_Kind == ELLIPSOID; }
+  /// Where the feature that p is of has the outward normal n: the corner p itself, or a point of the rim or of the
+  /// curved side.
+  ZuVector onFeature(ZuVector const& p, ZuVector const& n) const {
+    switch (m_Kind) {
+      case CYLINDER:
+        return onRim(n, p.z());
+      case CONE:
+        return p.z() > 0.0 ? p : onRim(n, p.z());
+      case ELLIPSOID:
+        return onEllipsoid(n);
+      default:
+        return p;
+    }
+  }
+  /// s . J t, with J the derivative of that point by n: of a rim (p x s)_z (p x t)_z / p . n, of an ellipsoid with the
+  /// semi-axes D, (D s . D t - (p . s) (p . t)) / p . n.
+  double bend(ZuVector const& p, ZuVector const& n, ZuVector const& s, ZuVector const& t) const {
+    if (m_Kind == ELLIPSOID) {
+      ZuVector const ofT(m_Half.x() * m_Half.x() * t.x(), m_Half.y() * m_Half.y() * t.y(),
+                         m_Half.z() * m_Half.z() * t.z());
+      return (s.dot(ofT) - p.dot(s) * p.dot(t)) / p.dot(n);
+    }
+    if (!isCurved() || (m_Kind == CONE && p.z() > 0.0)) return 0.0;
+    return (p.x() * s.y() - p.y() * s.x()) * (p.x() * t.y() - p.y() * t.x()) / (p.x() * n.x() + p.y() * n.y());
+  }
   /// A point of the core's frame in the shape's.
   ZuVector inShape(ZuVector const& p) const { return turn.times(p) + center; }
 
@@ -80,9 +107,10 @@ class ZuConvexCore {
 
   ZuVector askShape(ZuVector const& d) const;
   /// About the z axis, of radius half.x; the centre of a cap for a direction along the axis.
-  ZuVector onCylinder(ZuVector const& d) const {
+  ZuVector onCylinder(ZuVector const& d) const { return onRim(d, std::copysign(m_Half.z(), d.z())); }
+  ZuVector onRim(ZuVector const& d, double z) const {
     double const square = d.x() * d.x() + d.y() * d.y(), factor = square > 0.0 ? m_Half.x() / std::sqrt(square) : 0.0;
-    return {d.x() * factor, d.y() * factor, std::copysign(m_Half.z(), d.z())};
+    return {d.x() * factor, d.y() * factor, z};
   }
   /// The base is below, at -half.z, the apex above.
   ZuVector onCone(ZuVector const& d) const {
@@ -140,6 +168,22 @@ class ZuCoreDifference {
   /// The largest magnitude of a number that went into a point: rounding is in proportion to it.
   double extent() const { return m_Extent; }
   bool isInRange() const { return m_Extent == 0.0 || (m_Extent >= theSmallest && m_Extent <= theLargest); }
+
+  bool isCurved() const { return (core1.isCurved() || core2.isCurved()) && m_Scale == 1.0; }
+  /// The point of the same features of the two cores as `point` where n is normal to them. For a scale of 1.
+  void onFeatures(ZuCorePoint const& point, ZuVector const& n, ZuCorePoint& moved) {
+    moved.p = core1.onFeature(point.p, n);
+    moved.q = core2.onFeature(point.q, m_Turn.inverseTimes(-n));
+    finish(moved);
+  }
+  /// s . J t, with J the derivative of that point by n.
+  double bend(ZuCorePoint const& moved, ZuVector const& n, ZuVector const& s, ZuVector const& t) const {
+    double bend = core1.bend(moved.p, n, s, t);
+    if (core2.isCurved()) {
+      bend += core2.bend(moved.q, m_Turn.inverseTimes(-n), m_Turn.inverseTimes(s), m_Turn.inverseTimes(t));
+    }
+    return bend;
+  }
 
   /// From the frame of core 1, scaled, into the world, without the translation, and back.
   ZuVector inWorld(ZuVector const& v) const { return m_World.times(v) * (1.0 / m_Scale); }

@@ -69,6 +69,17 @@ class ZuCoreSimplex {
     m_Free = 0;
     while ((used >> m_Free & 1U) != 0) ++m_Free;
   }
+  /// Becomes one to three points, of which any may be far: returns the nearest of their faces, which is to be taken.
+  Nearest takeAll(ZuCorePoint const* points, int count) {
+    for (int i = 0; i < count; ++i) m_Points[i] = points[i];
+    Nearest best;
+    if (count == 1) offerCorner(0, best);
+    if (count == 2) offerEdge(0, 1, best);
+    if (count != 3) return best;
+    offerTriangle(0, 1, 2, best);
+    offerEdge(1, 2, best);
+    return best;
+  }
   /// Becomes this point.
   void take(ZuCorePoint const& point) {
     m_Points[0] = point;

@@ -7,6 +7,7 @@
 #include "geometry/zuDepthPolytopePrivate.h"
 #include "geometry/zuPreciseSimplexPrivate.h"
 #include "geometry/zuShape.h"
+#include "geometry/zuSmoothStepPrivate.h"
 #include "geometry/zuSphere.h"
 
 namespace {
@@ -109,14 +110,21 @@ class ZuRobustGJK::Iteration {
   bool step() {
     ZuCorePoint& w = m_Simplex.freePoint();
     if (meetsBound(w, std::sqrt(m_Square)) || m_Simplex.isRepeated()) return false;
-    ZuCoreSimplex::Nearest const nearest = m_Simplex.nearest();
+    ZuCoreSimplex::Nearest nearest = m_Simplex.nearest();
     bool const isImpossible = nearest.count == 4 && m_Bound > noise();  // proven apart: rounding
     if (isImpossible || !(nearest.square < m_Square)) return false;
+    take(nearest);
+    if (m_Set.isCurved() && ++m_Steps >= theFirstSmoothStep && !m_Overlaps &&
+        ZuSmoothStep::move(m_Set, m_Simplex, m_Square, m_V, nearest)) {
+      take(nearest);
+    }
+    return true;
+  }
+  void take(ZuCoreSimplex::Nearest const& nearest) {
     m_Simplex.take(nearest);
     m_V = nearest.v;
     m_Square = nearest.square;
     m_Overlaps = !(m_Square > noise() * noise());
-    return true;
   }
   /// Whether the support point proves that nothing is nearer than v, of the given length.
   bool meetsBound(ZuCorePoint& w, double length) {
@@ -139,6 +147,8 @@ class ZuRobustGJK::Iteration {
     m_Result = m_Simplex.mean();
   }
 
+  /// From this step on the features are mostly those that will be nearest.
+  static constexpr int theFirstSmoothStep = 2;
   /// How much wider than the band a gap may be that rounding leaves.
   static constexpr double theSlack = 4.0;
 
@@ -149,6 +159,7 @@ class ZuRobustGJK::Iteration {
   double m_Tolerance, m_Square = 0.0;
   double m_Bound = 0.0;  ///< of the distance, from below
   double m_Size = 0.0;   ///< of the set, as far as it was seen
+  int m_Steps = 0;
   bool m_Overlaps = false;
 };
 
