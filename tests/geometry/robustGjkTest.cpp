@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "bench/accuracyPairs.h"
 #include "geometry/zuBox.h"
 #include "tests/allocationCounter.h"
 #include "tests/engineQueries.h"
@@ -12,107 +13,78 @@
 namespace {
 
 using Pose = ZuCoordinateSystemTransformation;
-constexpr double theEpsilon = 0x1p-52;
 
 using Answer = EngineAnswer;
 
-HullShape moved(HullShape const& hull, ZuVector const& by) {
-  std::vector<ZuVector> vertices = hull.vertices();
-  for (ZuVector& v : vertices) v += by;
-  return HullShape(vertices);
-}
-
-/// Guarantees 1 to 4 and 6 for a pair of polytopes of at most the size.
-void expectGuarantees(ZuRobustGJK& engine, HullShape const& a, HullShape const& b, Pose const& T1, Pose const& T2,
-                      double size, double offset, int& apart, int& overlapping) {
-  double const band = 1e-9 * size + 16.0 * theEpsilon * offset;
-  auto const pointsA = oracle::placed(a.vertices(), T1), pointsB = oracle::placed(b.vertices(), T2);
-  double truth = oracle::distance(pointsA, pointsB), allowed = band;
-  if (truth < band) {
-    truth = -oracle::depth(pointsA, pointsB);
-    allowed = 1e-7 * size + band;
+/// The robust engine with answers that are off by a part of the largest extent, 1.
+class Liar : public ZuRobustGJK {
+ public:
+  bool distance(ZuShape const& shape1, ZuShape const& shape2, Pose const& T1, Pose const& T2, bool computePenetration,
+                ZuVector& witness1, ZuVector& witness2, double& distance, ZuVector* separation) override {
+    bool const isAnswered =
+        ZuRobustGJK::distance(shape1, shape2, T1, T2, computePenetration, witness1, witness2, distance, separation);
+    distance += distance > 0.0 ? distanceOff : computePenetration ? depthOff : 0.0;
+    return isAnswered;
   }
-  ++(truth > 0.0 ? apart : overlapping);
-  Answer const answer = ask(engine, a, b, T1, T2);
-  EXPECT_NEAR(answer.distance, truth, allowed);
-  EXPECT_TRUE(std::abs(truth) <= band || (answer.distance > 0.0) == (truth > 0.0)) << truth;
-  expectConsistent(answer, T1, T2, band);
-  EXPECT_TRUE(engine.validateDepthPolytope());
-  EXPECT_LE(distanceByOracle(a, HullShape({answer.witness1})), band);
-  EXPECT_LE(distanceByOracle(b, HullShape({answer.witness2})), band);
-  for (ZuVector const& start : {answer.separation, -answer.separation, ZuVector(0.3, -1e9, 1e-9)}) {
-    EXPECT_NEAR(ask(engine, a, b, T1, T2, true, start).distance, answer.distance, allowed);
-  }
-  EXPECT_NEAR(ask(engine, b, a, T2, T1).distance, answer.distance, allowed);
-}
+  double distanceOff = 0.0, depthOff = 0.0;
+};
 
 }  // namespace
 
-TEST(RobustGjk, Guarantees1To4And6HoldForPolytopesOfEverySizeAndPlace) {
+TEST(RobustGjk, Guarantees1To4And6HoldForASampleOfTheAccuracyProgram) {
   struct {
-    double size, offset;  ///< offset: of the world, in sizes
-    bool inFrames;        ///< of the solids in their own frames too
-  } const scales[] = {{1.0, 0.0, false}, {1.0, 0.0, true},   {1e-6, 0.0, false}, {1e6, 0.0, false},
-                      {1.0, 1e6, false}, {1e-6, 1e6, false}, {1e6, 1e6, false},  {1.0, 1e5, true}};
-  RandomValues r(1);
-  SCOPED_TRACE(r.trace());
-  int apart = 0, overlapping = 0;
+    char const* pairs;
+    std::uint64_t count;
+    unsigned int bodies;
+    std::vector<std::uint64_t> onceOff;
+  } const samples[] = {{"box", 400, 200, {}},
+                       {"capsule", 400, 200, {}},
+                       {"cylinder", 400, 200, {}},
+                       {"cone", 400, 200, {13276, 15428, 32892, 55204, 65172}},
+                       {"ellipsoid", 400, 200, {}},
+                       {"mixed", 400, 200, {66812, 91732}},
+                       {"aligned", 1000, 0, {10037, 11059, 57703}},
+                       {"thin", 400, 0, {51124, 51612}},
+                       {"scaled", 1000, 200, {69184}},
+                       {"8", 400, 200, {}},
+                       {"64", 200, 20, {}},
+                       {"512", 50, 3, {}}};
+  accuracy::Limits limits;
+  limits.everyStart = 2;
   ZuRobustGJK engine;
-  for (auto const& s : scales) {
-    SCOPED_TRACE(testing::Message() << "size " << s.size << " offset " << s.offset << s.inFrames);
-    for (int k = 0; k < 150; ++k) {
-      double const smaller = k % 7 == 0 ? 1e-3 : 1.0;
-      HullShape a = k % 3 == 0 ? HullShape::box(1.0, 0.2, 1.4) : randomHull(r, 8), b = randomHull(r, 8).scaled(smaller);
-      ZuVector const center1 = s.inFrames ? r.direction() * std::max(s.offset, 2.0) : ZuVector();
-      ZuVector const center2 = s.inFrames ? r.direction() * std::max(s.offset, 2.0) : ZuVector();
-      ZuOrientation const turn1 = r.orientation(), turn2 = k % 5 == 0 ? turn1 : r.orientation();
-      ZuVector const place = r.vector(s.offset), between = r.direction() * r.real(0.0, 2.2);
-      a = moved(a, center1).scaled(s.size);
-      b = moved(b, center2).scaled(s.size);
-      Pose const T1((place - turn1 * center1) * s.size, turn1);
-      Pose const T2((place - turn2 * center2 + between) * s.size, turn2);
-      expectGuarantees(engine, a, b, T1, T2, 2.0 * s.size, 4.0 * s.offset * s.size, apart, overlapping);
+  for (auto const& sample : samples) {
+    accuracy::Pairs pairs(sample.pairs, sample.bodies);
+    accuracy::Pair pair;
+    accuracy::Tally tally;
+    std::vector<std::uint64_t> numbers = sample.onceOff;
+    for (std::uint64_t k = 0; k < sample.count; ++k) numbers.push_back(k);
+    for (std::uint64_t const k : numbers) {
+      if (!pairs.pair(k, pair)) continue;
+      EXPECT_EQ(accuracy::Check(engine, pair, limits, k, tally).message(), "") << sample.pairs << " " << k;
+      EXPECT_TRUE(engine.validateDepthPolytope());
     }
-  }
-  EXPECT_GT(apart, 300);
-  EXPECT_GT(overlapping, 300);
-}
-
-TEST(RobustGjk, Guarantees3And4HoldForBoxesDownToNeedles) {
-  RandomValues r(8);
-  SCOPED_TRACE(r.trace());
-  ZuRobustGJK engine;
-  for (int k = 0; k < 2000; ++k) {
-    ZuVector halves[2];
-    for (ZuVector& half : halves) half = {r.scale(1e-12, 1.0), k % 3 == 0 ? 0.5 : r.scale(1e-12, 1.0), 0.5};
-    Pose const T1(r.vector(), r.orientation());
-    Pose const T2(T1.translation() + r.direction() * r.scale(1e-12, 0.5),
-                  k % 5 == 0 ? T1.orientation() : r.orientation());
-    HullShape const hulls[2] = {HullShape::box(2.0 * halves[0].x(), 2.0 * halves[0].y(), 2.0 * halves[0].z()),
-                                HullShape::box(2.0 * halves[1].x(), 2.0 * halves[1].y(), 2.0 * halves[1].z())};
-    double const depth =
-        oracle::depth(oracle::placed(hulls[0].vertices(), T1), oracle::placed(hulls[1].vertices(), T2));
-    if (depth < 0.0) continue;
-    Answer const answer = ask(engine, ZuBox(Pose(), halves[0]), ZuBox(Pose(), halves[1]), T1, T2);
-    EXPECT_NEAR(answer.distance, -depth, 1e-12) << k;
-    expectConsistent(answer, T1, T2, 1e-11);
-    EXPECT_LE(distanceByOracle(hulls[0], HullShape({answer.witness1})), 1e-9) << k;
-    EXPECT_LE(distanceByOracle(hulls[1], HullShape({answer.witness2})), 1e-9) << k;
+    long const few = static_cast<long>(sample.count) / 20;
+    EXPECT_TRUE(tally.apart > few && tally.grazing > few && tally.overlapping > few && tally.depths > few);
   }
 }
 
-TEST(RobustGjk, Guarantee1HoldsForFineHullsWhereverTheyStart) {
-  RandomValues r(2);
-  SCOPED_TRACE(r.trace());
-  ZuRobustGJK engine;
-  for (unsigned int const vertices : {64U, 512U}) {
-    for (int k = 0; k < 200; ++k) {
-      HullShape const a = randomHull(r, vertices), b = randomHull(r, vertices);
-      Pose const T1(r.vector(), r.orientation()),
-          T2(T1.translation() + r.direction() * r.real(1.0, 3.0), r.orientation());
-      double const truth = distanceByOracle(a, b, T1, T2);
-      Answer const answer = ask(engine, a, b, T1, T2, true, r.direction());
-      EXPECT_NEAR(std::max(answer.distance, 0.0), truth, 1e-9);
+TEST(RobustGjk, TheChecksOfTheAccuracyProgramFindAnswersThatAreOff) {
+  Liar engine;
+  accuracy::Limits const limits;
+  accuracy::Pair pair;
+  for (char const* name : {"8", "mixed"}) {
+    accuracy::Pairs pairs(name);
+    for (double const sign : {1.0, -1.0}) {
+      engine.distanceOff = sign * 4e-9;
+      engine.depthOff = sign * 4e-6;
+      accuracy::Tally tally;
+      for (std::uint64_t k = 1; k < 200; k += 2) {
+        pairs.pair(k, pair);
+        accuracy::Check(engine, pair, limits, k, tally);
+      }
+      EXPECT_EQ(tally.faults[accuracy::WITNESS], 100);
+      EXPECT_EQ(tally.faults[accuracy::DISTANCE], tally.apart);
+      EXPECT_EQ(tally.faults[accuracy::DEPTH], tally.overlapping);
     }
   }
 }
