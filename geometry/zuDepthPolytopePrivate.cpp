@@ -32,6 +32,17 @@ constexpr double theDoubtful = 2e-8, theMiss = 1e-9;
 constexpr double theSameNormal = 1.0 - 1e-8;
 constexpr double theFarthest = std::numeric_limits<double>::infinity();
 
+/// Places for the first points and facets: the lists double from there.
+constexpr std::size_t theFirstPoints = 64, theFirstFacets = 128;
+/// Facets of a block of heights; a divisor of theFirstFacets and a multiple of 4.
+constexpr std::size_t theBlock = 32;
+/// A simplex thinner than this part of its size is no start.
+constexpr double theThinStart = 1e-3;
+
+/// The number of edge k of a facet, and back.
+constexpr int edgeOf(int facet, int k) { return 4 * facet + k; }
+constexpr int facetOf(int edge) { return edge >> 2; }
+
 double sumOfMagnitudes(ZuVector const& v) { return std::abs(v.x()) + std::abs(v.y()) + std::abs(v.z()); }
 
 /// A unit vector at a right angle to v.
@@ -74,14 +85,13 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
     if (facet < 0) return MET;
     double const lower = m_Lower = m_Facets[facet].height, gap = tolerance * patience() * m_Size + m_Noise;
     if (lower >= m_Upper - gap) return MET;
-    ZuCorePoint point;
-    double const h = supportValue(set, facet, point);
+    double const h = supportValue(set, facet);
     if (h < -m_Noise) {
       depth.normal = m_Facets[facet].normal;
       return SEPARATED;
     }
     if (!(h > lower + gap)) return MET;
-    insert(point, facet);
+    insert(facet);
   }
   return ENOUGH;
 }
@@ -91,19 +101,19 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
 void ZuDepthPolytope::settle(ZuCoreDifference& set, double gap) {
   int facet = facetAlong(m_UpperNormal);
   for (unsigned int i = 0; i < theLocalExpansions && m_Facets[facet].height < m_Upper - gap; ++i) {
-    ZuCorePoint point;
-    double const h = supportValue(set, facet, point);
+    double const h = supportValue(set, facet);
     bool const isFound = !(h > m_Facets[facet].height + gap);
-    if (!isFound && !insert(point, facet)) return;
+    if (!isFound && !insert(facet)) return;
     int const next = facetAlong(m_UpperNormal);
     if (isFound && next == facet) return;
     facet = next;
   }
 }
 
-/// The support value of the facet's normal, which bounds the depth from above.
-double ZuDepthPolytope::supportValue(ZuCoreDifference& set, int facet, ZuCorePoint& point) {
-  ZuVector const& normal = m_Facets[facet].normal;
+/// The support value of the facet's normal, which bounds the depth from above. The support point becomes the next one.
+double ZuDepthPolytope::supportValue(ZuCoreDifference& set, int facet) {
+  ZuVector const normal = m_Facets[facet].normal;
+  ZuCorePoint& point = m_Points[m_PointCount];
   set.support(normal, point);
   double const h = normal.dot(point.y);
   if (h < m_Upper) {
@@ -118,17 +128,14 @@ double ZuDepthPolytope::supportValue(ZuCoreDifference& set, int facet, ZuCorePoi
 /// Four independent points: of the simplex as far as they are, the rest support points at right angles to the figure of
 /// those before (van den Bergen 2003, chapter 4). False for a flat set, with its normal.
 bool ZuDepthPolytope::start(ZuCoreDifference& set, ZuCoreSimplex const& simplex, Depth& depth) {
-  m_Points.clear();
-  m_Facets.clear();
-  m_Heap.clear();
+  m_PointCount = m_FacetCount = 0;
   m_Free.clear();
-  m_Stamps.clear();
-  m_Stamp = 0;
   m_Size = 0.0;
   m_Upper = theFarthest;
   addPoint(simplex.point(0));
-  for (int i = 1; i < simplex.count(); ++i) m_Size = std::max(m_Size, simplex.point(i).y.distanceTo(m_Points[0].y));
-  while (m_Points.size() < 4) {
+  if (takeTetrahedron(simplex)) return true;
+  for (int i = 1; i < simplex.count(); ++i) m_Size = std::max(m_Size, simplex.point(i).y.distanceTo(m_Places[0]));
+  while (m_PointCount < 4) {
     ZuCorePoint best;
     double most = 0.0;
     for (int i = 1; i < simplex.count(); ++i) {
@@ -138,34 +145,46 @@ bool ZuDepthPolytope::start(ZuCoreDifference& set, ZuCoreSimplex const& simplex,
       best = simplex.point(i);
     }
     // What the simplex has is good enough unless it is thin: a thin start costs expansions.
-    if (!(most > 1e-3 * m_Size)) {
-      if (m_Points.size() == 3) {
+    if (!(most > theThinStart * m_Size)) {
+      if (m_PointCount == 3) {
         offer(set, m_Axis, best, most);
       } else {
-        ZuVector const first = m_Points.size() == 2 ? perpendicular(m_Axis) : ZuVector::xVector(1.0);
+        ZuVector const first = m_PointCount == 2 ? perpendicular(m_Axis) : ZuVector::xVector(1.0);
         offer(set, first, best, most);
-        offer(set, m_Points.size() == 2 ? m_Axis.cross(first) : ZuVector::yVector(1.0), best, most);
-        if (m_Points.size() == 1) offer(set, ZuVector::zVector(1.0), best, most);
+        offer(set, m_PointCount == 2 ? m_Axis.cross(first) : ZuVector::yVector(1.0), best, most);
+        if (m_PointCount == 1) offer(set, ZuVector::zVector(1.0), best, most);
       }
     }
     if (!(most > theFlatness * std::max(m_Size, most) + m_Noise)) {
-      depth.normal = m_Points.size() == 3 ? m_Axis : perpendicular(m_Axis);
-      if (m_Points.size() == 1) depth.normal = ZuVector::xVector(1.0);
+      depth.normal = m_PointCount == 3 ? m_Axis : perpendicular(m_Axis);
+      if (m_PointCount == 1) depth.normal = ZuVector::xVector(1.0);
       return false;
     }
-    ZuVector const edge = best.y - m_Points[0].y;
-    if (m_Points.size() == 1) m_Axis = edge.unitVector();
-    if (m_Points.size() == 2) m_Axis = m_Axis.cross(edge).unitVector();
+    ZuVector const edge = best.y - m_Places[0];
+    if (m_PointCount == 1) m_Axis = edge.unitVector();
+    if (m_PointCount == 2) m_Axis = m_Axis.cross(edge).unitVector();
     addPoint(best);
   }
   makeTetrahedron();
   return true;
 }
 
+/// The quick way for a simplex that is a stout tetrahedron.
+bool ZuDepthPolytope::takeTetrahedron(ZuCoreSimplex const& simplex) {
+  if (simplex.count() != 4) return false;
+  ZuVector const ab = simplex.point(1).y - m_Places[0], ac = simplex.point(2).y - m_Places[0],
+                 ad = simplex.point(3).y - m_Places[0];
+  double const volume = ab.cross(ac).dot(ad), square = std::max({ab.magSquared(), ac.magSquared(), ad.magSquared()});
+  if (!(volume * volume > theThinStart * theThinStart * square * square * square)) return false;
+  for (int i = 1; i < 4; ++i) addPoint(simplex.point(i));
+  makeTetrahedron();
+  return true;
+}
+
 /// How far a point is from the figure of the points so far.
 double ZuDepthPolytope::independence(ZuVector const& y) const {
-  ZuVector const edge = y - m_Points[0].y;
-  switch (m_Points.size()) {
+  ZuVector const edge = y - m_Places[0];
+  switch (m_PointCount) {
     case 1:
       return edge.mag();
     case 2:
@@ -187,38 +206,52 @@ void ZuDepthPolytope::offer(ZuCoreDifference& set, ZuVector const& direction, Zu
 }
 
 void ZuDepthPolytope::makeTetrahedron() {
-  ZuVector const &a = m_Points[0].y, &b = m_Points[1].y, &c = m_Points[2].y, &d = m_Points[3].y;
-  if ((b - a).cross(c - a).dot(d - a) > 0.0) std::swap(m_Points[1], m_Points[2]);
+  ZuVector const &a = m_Places[0], &b = m_Places[1], &c = m_Places[2], &d = m_Places[3];
+  if ((b - a).cross(c - a).dot(d - a) > 0.0) {
+    std::swap(m_Points[1], m_Points[2]);
+    std::swap(m_Places[1], m_Places[2]);
+  }
   static constexpr int theCorners[4][3] = {{0, 1, 2}, {0, 3, 1}, {0, 2, 3}, {1, 3, 2}};
   static constexpr int theNeighbors[4][3] = {{1, 3, 2}, {2, 3, 0}, {0, 3, 1}, {1, 2, 0}};
-  m_Facets.resize(4);
+  static constexpr int theEdges[4][3] = {{2, 2, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 1}};
   for (int f = 0; f < 4; ++f) {
-    for (int k = 0; k < 3; ++k) m_Facets[f].across[k] = theNeighbors[f][k];
-    setFacet(f, theCorners[f][0], theCorners[f][1], theCorners[f][2]);
+    int const facet = freeFacet();
+    setFacet(facet, theCorners[f][0], theCorners[f][1], theCorners[f][2]);
+    for (int k = 0; k < 3; ++k) m_Facets[f].across[k] = edgeOf(theNeighbors[f][k], theEdges[f][k]);
+    setHeight(facet);
   }
 }
 
 // Facets.
 
 void ZuDepthPolytope::addPoint(ZuCorePoint const& point) {
-  m_Points.push_back(point);
-  m_Size = std::max(m_Size, sumOfMagnitudes(point.y - m_Points[0].y));
+  if (m_Points.empty()) m_Points.resize(theFirstPoints);
+  m_Points[m_PointCount] = point;
+  addPoint();
 }
 
-/// Into the heap comes only what may be nearest: a facet beyond the upper bound never is.
-///
+/// The one behind the last.
+void ZuDepthPolytope::addPoint() {
+  ZuVector const y = m_Points[m_PointCount++].y;
+  auto const count = static_cast<std::size_t>(m_PointCount);
+  if (count == m_Points.size()) m_Points.resize(2 * count);
+  if (m_Places.size() < m_Points.size()) m_Places.resize(m_Points.size());
+  if (m_Corners.size() < m_Points.size()) m_Corners.resize(m_Points.size());
+  m_Places[count - 1] = y;
+  m_Size = std::max(m_Size, sumOfMagnitudes(y - m_Places[0]));
+}
+
 /// The height of a point over the plane of a facet of edges e0, e1 is wrong by its noise and by c eps |e0| |e1| / |e0 x
 /// e1| of the size of the set, and |e0| |e1| <= (e0^2 + e1^2) / 2. A slim facet goes as soon as a point may be in front
 /// of it, a facet without an area with any point.
 void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
   Facet& f = m_Facets[facet];
-  ZuVector const &ya = m_Points[a].y, &yb = m_Points[b].y, &yc = m_Points[c].y;
+  ZuVector const &ya = m_Places[a], &yb = m_Places[b], &yc = m_Places[c];
   ZuVector const ab = yb - ya, ac = yc - ya, normal = ab.cross(ac);
   double const square = normal.magSquared();
   f.corner[0] = a;
   f.corner[1] = b;
   f.corner[2] = c;
-  f.isLive = true;
   if (!(square > 0.0)) {
     f.normal = ZuVector();
     f.height = theFarthest;
@@ -232,31 +265,60 @@ void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
   double const height = f.normal.dot(ya);
   f.bound = height + (rounding < theSlimRounding ? doubt : -doubt);
   f.height = std::max(height, std::max(f.normal.dot(yb), f.normal.dot(yc)));
-  if (!(f.height < m_Upper)) return;
-  m_Heap.push_back({f.height, facet});
-  std::push_heap(m_Heap.begin(), m_Heap.end());
 }
+
+void ZuDepthPolytope::setHeight(int facet) {
+  double const height = m_Facets[facet].height;
+  double& ofBlock = m_BlockHeights[static_cast<std::size_t>(facet) / theBlock];
+  m_Heights[facet] = height;
+  ofBlock = std::min(ofBlock, height);
+}
+
+void ZuDepthPolytope::clearHeight(int facet) { m_Heights[facet] = theFarthest; }
 
 int ZuDepthPolytope::freeFacet() {
-  if (m_Free.empty()) {
-    m_Facets.emplace_back();
-    return static_cast<int>(m_Facets.size()) - 1;
+  if (!m_Free.empty()) {
+    int const facet = m_Free.back();
+    m_Free.pop_back();
+    return facet;
   }
-  int const facet = m_Free.back();
-  m_Free.pop_back();
-  return facet;
+  auto const count = static_cast<std::size_t>(m_FacetCount);
+  if (count == m_Facets.size()) {
+    m_Facets.resize(std::max(2 * count, theFirstFacets));
+    m_Heights.resize(m_Facets.size());
+    m_BlockHeights.resize(m_Facets.size() / theBlock);
+    m_Removed.resize(m_Facets.size());
+    m_Horizon.resize(2 * m_Facets.size());
+    m_Ring.resize(2 * m_Facets.size());
+  }
+  if (count % theBlock == 0) {
+    std::fill_n(m_Heights.begin() + m_FacetCount, theBlock, theFarthest);
+    m_BlockHeights[count / theBlock] = theFarthest;
+  }
+  return m_FacetCount++;
 }
 
-/// The live facet nearest to the origin, taken out of the heap; -1 without one. Entries of removed facets are dropped
-/// here.
+/// The live facet nearest to the origin, which is not offered again; -1 without one. The height of the block is looked
+/// up only now: a facet that was removed may have had it.
 int ZuDepthPolytope::nextNearest() {
-  while (!m_Heap.empty()) {
-    HeapEntry const top = m_Heap.front();
-    std::pop_heap(m_Heap.begin(), m_Heap.end());
-    m_Heap.pop_back();
-    if (m_Facets[top.facet].isLive && m_Facets[top.facet].height == top.height) return top.facet;
+  std::size_t const blocks = (static_cast<std::size_t>(m_FacetCount) + theBlock - 1) / theBlock;
+  for (;;) {
+    double* const block = std::min_element(m_BlockHeights.data(), m_BlockHeights.data() + blocks);
+    std::size_t const first = theBlock * static_cast<std::size_t>(block - m_BlockHeights.data());
+    double const* const heights = m_Heights.data() + first;
+    double lanes[4] = {heights[0], heights[1], heights[2], heights[3]};
+    for (std::size_t i = 4; i < theBlock; i += 4) {
+      for (std::size_t k = 0; k < 4; ++k) lanes[k] = std::min(lanes[k], heights[i + k]);
+    }
+    double const least = std::min(std::min(lanes[0], lanes[1]), std::min(lanes[2], lanes[3]));
+    if (*block == theFarthest) return -1;
+    bool const isLeast = *block == least;
+    *block = least;
+    if (!isLeast) continue;
+    int const facet = static_cast<int>(first + (std::find(heights, heights + theBlock, least) - heights));
+    clearHeight(facet);
+    return facet;
   }
-  return -1;
 }
 
 /// The facet through which a ray from the origin leaves the polytope. Facets below the lower bound are slim ones that
@@ -264,9 +326,10 @@ int ZuDepthPolytope::nextNearest() {
 int ZuDepthPolytope::facetAlong(ZuVector const& direction) const {
   int first = 0;
   double least = theFarthest;
-  for (int f = 0; f < static_cast<int>(m_Facets.size()); ++f) {
+  for (int f = 0; f < m_FacetCount; ++f) {
     double const slope = m_Facets[f].normal.dot(direction);
-    if (!m_Facets[f].isLive || !(slope > 0.0) || m_Facets[f].height < m_Lower || !(m_Facets[f].height / slope < least))
+    if (!m_Facets[f].isLive() || !(slope > 0.0) || m_Facets[f].height < m_Lower ||
+        !(m_Facets[f].height / slope < least))
       continue;
     least = m_Facets[f].height / slope;
     first = f;
@@ -276,86 +339,103 @@ int ZuDepthPolytope::facetAlong(ZuVector const& direction) const {
 
 // Expansion.
 
-/// First with what rounding leaves in doubt on the safe side; where that does not make one loop, by exact signs.
-bool ZuDepthPolytope::insert(ZuCorePoint const& point, int facet) {
+/// Adds the point behind the last. First with what rounding leaves in doubt on the safe side; where that does not make
+/// one loop, by exact signs.
+bool ZuDepthPolytope::insert(int facet) {
+  ZuVector const w = m_Points[m_PointCount].y;
   for (bool const isExact : {false, true}) {
-    if (findHorizon(point.y, facet, isExact) && isOneLoop(point.y)) {
-      addPoint(point);
+    if (findHorizon(w, facet, isExact) && isOneLoop(w)) {
+      addPoint();
       closeHorizon();
       return true;
     }
-    for (int const removed : m_Removed) m_Facets[removed].isLive = true;
+    restore();
   }
   return false;
 }
 
+/// Brings back what was removed in vain. The first one, which is what would have been expanded, stays without a height.
+void ZuDepthPolytope::restore() {
+  for (int i = 0; i < m_RemovedCount; ++i) {
+    m_Facets[m_Removed[i]].flip();
+    if (i > 0) setHeight(m_Removed[i]);
+  }
+}
+
 bool ZuDepthPolytope::isVisible(Facet const& facet, ZuVector const& w, bool isExact) const {
   if (!isExact) return !(facet.normal.dot(w) <= facet.bound);
-  ZuVector const &a = m_Points[facet.corner[0]].y, &b = m_Points[facet.corner[1]].y, &c = m_Points[facet.corner[2]].y;
+  ZuVector const &a = m_Places[facet.corner[0]], &b = m_Places[facet.corner[1]], &c = m_Places[facet.corner[2]];
   return ZuExactSigns::side(a, b, c, w) < 0;
 }
 
-/// Walks over what the point sees, across the edges of each facet in turn, so that the edges of the horizon come in
-/// order.
+/// Removes what the point sees, across the edges of each facet in turn. False for less than a triangle, and when the
+/// edges of the horizon meet a corner twice.
 bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet, bool isExact) {
-  m_Horizon.clear();
-  m_Removed.assign(1, facet);
-  m_Visits.assign(1, {facet, 0, 3});
-  m_Facets[facet].isLive = false;
-  while (!m_Visits.empty()) {
-    Visit& visit = m_Visits.back();
-    if (visit.left-- == 0) {
-      m_Visits.pop_back();
-      continue;
-    }
-    Facet const& seen = m_Facets[visit.facet];
-    int const k = visit.edge, from = seen.corner[k], to = seen.corner[(k + 1) % 3], across = seen.across[k];
-    visit.edge = (k + 1) % 3;
-    Facet& other = m_Facets[across];
-    if (!other.isLive) continue;
-    int edge = 0;
-    while (edge < 2 && other.corner[edge] != to) ++edge;
-    if (isVisible(other, w, isExact)) {
-      other.isLive = false;
-      m_Removed.push_back(across);
-      m_Visits.push_back({across, (edge + 1) % 3, 2});
-    } else {
-      m_Horizon.push_back({from, to, across, edge});
+  Facet* const facets = m_Facets.data();
+  Corner* const corners = m_Corners.data();
+  HorizonEdge* const horizon = m_Horizon.data();
+  int* const removed = m_Removed.data();
+  int const stamp = ++m_Stamp;
+  int count = 0, removedCount = 1;
+  bool isSimple = true;
+  removed[0] = facet;
+  facets[facet].flip();
+  for (int i = 0; i < removedCount; ++i) {
+    Facet const& seen = facets[removed[i]];
+    int const ends[4] = {~seen.corner[0], seen.corner[1], seen.corner[2], ~seen.corner[0]};
+    for (int k = 0; k < 3; ++k) {
+      int const across = seen.across[k], beyond = facetOf(across);
+      Facet& other = facets[beyond];
+      if (!other.isLive()) continue;
+      if (isVisible(other, w, isExact)) {
+        other.flip();
+        clearHeight(beyond);
+        removed[removedCount++] = beyond;
+      } else {
+        Corner& corner = corners[ends[k]];
+        isSimple = isSimple && corner.stamp != stamp;
+        corner = {stamp, count};
+        horizon[count++] = {ends[k], ends[k + 1], across};
+      }
     }
   }
-  return m_Horizon.size() >= 3;
+  m_HorizonCount = count;
+  m_RemovedCount = removedCount;
+  return isSimple && count >= 3;
 }
 
-/// Whether the edges of the horizon follow each other, and meet no corner twice and not the new point.
+/// Whether the edges of the horizon make one ring that does not meet the new point.
 bool ZuDepthPolytope::isOneLoop(ZuVector const& w) {
-  m_Stamps.resize(m_Points.size() + 1, 0);
-  ++m_Stamp;
-  for (std::size_t i = 0; i < m_Horizon.size(); ++i) {
-    HorizonEdge const& edge = m_Horizon[i];
-    if (m_Stamps[edge.from] == m_Stamp || edge.to != m_Horizon[i + 1 < m_Horizon.size() ? i + 1 : 0].from) return false;
-    if (m_Points[edge.from].y == w) return false;
-    m_Stamps[edge.from] = m_Stamp;
-  }
-  return true;
+  int edge = 0, length = 0;
+  do {
+    HorizonEdge const& ofHorizon = m_Horizon[edge];
+    Corner const& next = m_Corners[ofHorizon.to];
+    if (next.stamp != m_Stamp || m_Places[ofHorizon.from] == w) return false;
+    m_Ring[length++] = ofHorizon;
+    edge = next.edge;
+  } while (edge != 0 && length < m_HorizonCount);
+  return edge == 0 && length == m_HorizonCount;
 }
 
-/// Joins the edges of the horizon to the newest point.
+/// Joins the edges of the ring to the newest point. The new facets take the places of those removed.
 void ZuDepthPolytope::closeHorizon() {
-  m_Free.insert(m_Free.end(), m_Removed.begin(), m_Removed.end());
-  int const point = static_cast<int>(m_Points.size()) - 1;
-  int first = -1, previous = -1;
-  for (HorizonEdge const& edge : m_Horizon) {
-    int const facet = freeFacet();
+  int const point = m_PointCount - 1, first = m_Removed[0];
+  int facet = first, previous = -1;
+  for (int i = 0; i < m_HorizonCount; ++i) {
+    HorizonEdge const edge = m_Ring[i];
+    int const next = i + 1 == m_HorizonCount ? first : i + 1 < m_RemovedCount ? m_Removed[i + 1] : freeFacet();
     setFacet(facet, edge.from, edge.to, point);
-    m_Facets[facet].across[0] = edge.outside;
-    m_Facets[edge.outside].across[edge.edge] = facet;
-    m_Facets[facet].across[2] = previous;
-    if (previous >= 0) m_Facets[previous].across[1] = facet;
-    if (first < 0) first = facet;
+    setHeight(facet);
+    Facet& f = m_Facets[facet];
+    f.across[0] = edge.outside;
+    f.across[1] = edgeOf(next, 2);
+    f.across[2] = edgeOf(previous, 1);
+    m_Facets[facetOf(edge.outside)].across[edge.outside % 4] = edgeOf(facet, 0);
     previous = facet;
+    facet = next;
   }
-  m_Facets[first].across[2] = previous;
-  m_Facets[previous].across[1] = first;
+  m_Facets[first].across[2] = edgeOf(previous, 1);
+  for (int i = m_HorizonCount; i < m_RemovedCount; ++i) m_Free.push_back(m_Removed[i]);
 }
 
 // The answer.
@@ -368,13 +448,13 @@ bool ZuDepthPolytope::finish(double gap, Depth& depth) const {
   ZuVector const target = m_UpperNormal * m_Upper;
   double const highest = std::max(m_Lower, m_Upper) + gap, allowed = theSlack * gap;
   double least = theFarthest;
-  for (Facet const& facet : m_Facets) {
-    bool const isLikely = facet.isLive && facet.height <= highest && facet.normal.dot(m_UpperNormal) >= theSameNormal;
+  for (int f = 0; f < m_FacetCount; ++f) {
+    Facet const& facet = m_Facets[f];
+    bool const isLikely = facet.isLive() && facet.height <= highest && facet.normal.dot(m_UpperNormal) >= theSameNormal;
     if (isLikely) takeIfNearer(facet, target, least, depth);
   }
-  for (Facet const& facet : m_Facets) {
-    if (least <= allowed * allowed) break;
-    if (facet.isLive) takeIfNearer(facet, target, least, depth);
+  for (int f = 0; f < m_FacetCount && least > allowed * allowed; ++f) {
+    if (m_Facets[f].isLive()) takeIfNearer(m_Facets[f], target, least, depth);
   }
   depth.normal = m_UpperNormal;
   return std::sqrt(least) <= allowed + theMiss * m_Size || !(m_Upper <= theDoubtful * m_Size);
@@ -401,23 +481,20 @@ void ZuDepthPolytope::takeIfNearer(Facet const& facet, ZuVector const& target, d
 }
 
 bool ZuDepthPolytope::isValid() const {
-  if (m_Facets.empty()) return true;
+  if (m_FacetCount == 0) return true;
   std::vector<bool> used(m_Points.size(), false);
   std::size_t facets = 0;
-  for (int f = 0; f < static_cast<int>(m_Facets.size()); ++f) {
+  for (int f = 0; f < m_FacetCount; ++f) {
     Facet const& facet = m_Facets[f];
-    if (!facet.isLive) continue;
+    if (!facet.isLive()) continue;
     ++facets;
     for (int k = 0; k < 3; ++k) {
       used[facet.corner[k]] = true;
-      Facet const& other = m_Facets[facet.across[k]];
-      if (!other.isLive) return false;
-      bool isLinked = false;
-      for (int j = 0; j < 3; ++j) {
-        isLinked = isLinked || (other.across[j] == f && other.corner[j] == facet.corner[(k + 1) % 3] &&
-                                other.corner[(j + 1) % 3] == facet.corner[k]);
-      }
-      if (!isLinked) return false;
+      Facet const& other = m_Facets[facetOf(facet.across[k])];
+      int const j = facet.across[k] % 4;
+      if (!other.isLive() || other.across[j] != edgeOf(f, k) || other.corner[j] != facet.corner[(k + 1) % 3] ||
+          other.corner[(j + 1) % 3] != facet.corner[k])
+        return false;
     }
   }
   auto const points = static_cast<std::size_t>(std::count(used.begin(), used.end(), true));

@@ -41,25 +41,24 @@ class ZuDepthPolytope {
   unsigned int expansions() const { return m_Expansions; }
 
  private:
+  /// One cache line. Of an edge k, from corner k to corner k + 1, `across` holds the facet beyond and its number there.
   struct Facet {
-    int corner[3];
-    int across[3];  ///< the facet across the edge from corner k to corner k + 1
     ZuVector normal;
     double height;  ///< of the plane over the origin
     double bound;   ///< a point is in front of the facet when its height along the normal is more
-    bool isLive;
-  };
-  struct HeapEntry {
-    double height;
-    int facet;
-    bool operator<(HeapEntry const& other) const { return height > other.height; }  // the least on top
+    int corner[3];  ///< of a facet that was removed, the first one is less than 0
+    int across[3];
+
+    bool isLive() const { return corner[0] >= 0; }
+    void flip() { corner[0] = ~corner[0]; }
   };
   struct HorizonEdge {
     int from, to;
-    int outside, edge;  ///< the facet that stays, and which of its edges this is
+    int outside;  ///< this edge, as numbered by the facet that stays
   };
-  struct Visit {
-    int facet, edge, left;
+  /// Of a corner of the horizon: the edge that begins there, when the stamp is that of the expansion.
+  struct Corner {
+    int stamp = 0, edge = 0;
   };
 
   enum Ending {
@@ -70,32 +69,43 @@ class ZuDepthPolytope {
 
   Ending expand(ZuCoreDifference& set, double tolerance, unsigned int limit, Depth& depth);
   void settle(ZuCoreDifference& set, double gap);
-  double supportValue(ZuCoreDifference& set, int facet, ZuCorePoint& point);
+  double supportValue(ZuCoreDifference& set, int facet);
   double patience() const;
   bool start(ZuCoreDifference& set, ZuCoreSimplex const& simplex, Depth& depth);
-  bool grow(ZuCoreDifference& set, ZuVector& normal);
+  bool takeTetrahedron(ZuCoreSimplex const& simplex);
   void offer(ZuCoreDifference& set, ZuVector const& direction, ZuCorePoint& best, double& most) const;
   double independence(ZuVector const& y) const;
   void makeTetrahedron();
   void setFacet(int facet, int a, int b, int c);
+  void clearHeight(int facet);
+  void setHeight(int facet);
+  void addPoint();
   void addPoint(ZuCorePoint const& point);
   int freeFacet();
   int nextNearest();
-  bool insert(ZuCorePoint const& point, int facet);
+  bool insert(int facet);
   bool isVisible(Facet const& facet, ZuVector const& w, bool isExact) const;
   bool findHorizon(ZuVector const& w, int facet, bool isExact);
   bool isOneLoop(ZuVector const& w);
+  void restore();
   void closeHorizon();
   int facetAlong(ZuVector const& direction) const;
   bool finish(double gap, Depth& depth) const;
   void takeIfNearer(Facet const& facet, ZuVector const& target, double& least, Depth& depth) const;
 
+  // Lists are longer than what is in use, by the counts below: points at least by one, the support point that may be
+  // the next.
   std::vector<ZuCorePoint> m_Points;
+  std::vector<ZuVector> m_Places;  ///< of the points in the difference set
+  std::vector<Corner> m_Corners;
   std::vector<Facet> m_Facets;
-  std::vector<HeapEntry> m_Heap;
-  std::vector<HorizonEdge> m_Horizon;
-  std::vector<Visit> m_Visits;
-  std::vector<int> m_Removed, m_Free, m_Stamps;
+  int m_PointCount = 0, m_FacetCount = 0;
+  /// Of facets that may be nearest, the others are infinitely high; and of each block of them a height that none is
+  /// below.
+  std::vector<double> m_Heights, m_BlockHeights;
+  std::vector<HorizonEdge> m_Horizon, m_Ring;  ///< as found, and one after the other
+  std::vector<int> m_Removed, m_Free;
+  int m_HorizonCount = 0, m_RemovedCount = 0;
   ZuVector m_Axis;  ///< of the first points: their line, then their plane
   ZuVector m_UpperNormal;
   double m_Size = 0.0, m_Lower = 0.0, m_Upper = 0.0, m_Noise = 0.0;
