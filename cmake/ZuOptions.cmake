@@ -23,7 +23,7 @@ endif()
 if(ZU_SANITIZE)
   target_compile_options(zuOptions INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(zuOptions INTERFACE -fsanitize=address,undefined)
-elseif(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-  # A library that uses what it does not link fails here and not at its client.
+elseif(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT ZU_BUILD_FUZZ)
+  # A library that uses what it does not link fails here and not at its client; hooks of a fuzzer come with the program.
   target_link_options(zuOptions INTERFACE -Wl,--no-undefined)
 endif()

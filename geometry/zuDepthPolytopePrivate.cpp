@@ -27,7 +27,7 @@ constexpr double theSlimRounding = theOrientationRounding * 1e4;
 constexpr double theSlack = 4.0;
 /// Depths that are less than this part of the size are 0 when rounding leaves no facet within the other part of where
 /// their bounds meet. Larger, the band of depths would suffer.
-constexpr double theDoubtful = 2e-8, theMiss = 1e-9;
+constexpr double theDoubtful = 2e-8, theMiss = 2e-10;
 /// Cosine of the angle up to which facets count as parallel: 0.14 mrad.
 constexpr double theSameNormal = 1.0 - 1e-8;
 constexpr double theFarthest = std::numeric_limits<double>::infinity();

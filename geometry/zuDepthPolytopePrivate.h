@@ -39,6 +39,8 @@ class ZuDepthPolytope {
   /// Whether the surface is closed, linked, turned outwards and convex within rounding. Facets times points.
   bool isValid() const;
   unsigned int expansions() const { return m_Expansions; }
+  /// Of the set, to a factor of 4.
+  double size() const { return m_Size; }
 
  private:
   /// One cache line. Of an edge k, from corner k to corner k + 1, `across` holds the facet beyond and its number there.

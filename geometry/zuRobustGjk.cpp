@@ -22,8 +22,8 @@ constexpr unsigned int theMostExpansions = 2048;
 /// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is
 /// inside at a distance of this. Smaller, the iteration chases its own rounding.
 constexpr double theRounding = 8.0 * 0x1p-52;
-/// Vectors of the set that are longer than this part of its largest numbers have a direction, to 1e-6.
-constexpr double theStraightLength = 1e-9;
+/// How far aside of its normal the end of a depth may be, as a part of the size, where the normal has it.
+constexpr double theSlant = 2e-10;
 /// Steps of an iteration, in doubles and again in twice their digits; polytopes take 5 to 20, curved solids up to 60.
 constexpr int theMostSteps = 256;
 
@@ -85,10 +85,13 @@ class ZuRobustGJK::Iteration {
     }
     m_Result = m_Simplex.mean();
     if (!isCertified()) goOnPrecisely();
+    // The direction of a short mean is that of its rounding.
+    if ((m_Result.y - m_V).magSquared() <= theSlack * theSlack * noise() * noise()) m_Result.y = m_V;
+    if (m_Overlaps) m_Result.y = ZuVector();
   }
   bool overlaps() const { return m_Overlaps; }
   ZuCoreSimplex const& simplex() const { return m_Simplex; }
-  /// The nearest point; of an overlap, one within rounding of the origin.
+  /// The nearest point; of an overlap, the origin.
   ZuCorePoint const& result() const { return m_Result; }
 
  private:
@@ -252,9 +255,13 @@ bool ZuRobustGJK::findDepth(ZuCoreDifference& set, ZuCoreSimplex const& simplex,
   if (outcome == ZuDepthPolytope::FOUND) {
     answer.point = depth.nearest;
     // Where the nearest point was not proven to be one, it need not be at a right angle to its facet.
-    double const length = depth.nearest.y.mag();
-    if (length > theStraightLength * set.extent()) answer.normal = depth.nearest.y * (-1.0 / length);
-    answer.distance += std::min(answer.normal.dot(depth.nearest.y), 0.0);
+    ZuVector const& y = depth.nearest.y;
+    bool const isStraight =
+        (y + answer.normal * y.dot(depth.normal)).mag() <= theSlant * m_Polytope->size() + theRounding * set.extent();
+    if (!isStraight) answer.normal = -y.unitVector();
+    double const height = std::min(answer.normal.dot(y), 0.0);
+    answer.point.y = answer.normal * height;
+    answer.distance += height;
     m_DepthGap = std::max(0.0, depth.upper - depth.lower);
   }
   return set.isInRange();

@@ -1,12 +1,19 @@
-// Drives both convex engines with arbitrary finite vertices and poses. No answer may be a nan, run for long or grow
-// without bound. For polytopes of sane size the robust engine must also agree with what follows from any support point:
-// nothing of the shapes is nearer than the distance, its witness points differ by its vector, and neither the order of
-// the shapes nor the start changes the distance.
+// Drives both convex engines with arbitrary finite vertices, solids and poses. No answer may be a nan, run for long or
+// grow without bound. For solids of 1e-6 m to 1e6 m the robust engine must also keep what it guarantees: the witness
+// points are of their solids and differ by the separation vector, whose plane has the solids on its two sides, and
+// neither the order of the shapes nor the start changes the distance.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
+#include <memory>
+
 #include "foundation/zuPrint.h"
+#include "geometry/zuBox.h"
+#include "geometry/zuCapsule.h"
+#include "geometry/zuCone.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
 #include "geometry/zuRobustGjk.h"
 #include "tests/hullShape.h"
 
@@ -63,24 +70,94 @@ Answer ask(ZuGJK& engine, ZuShape const& a, ZuShape const& b, Pose const& T1, Po
   return answer;
 }
 
-/// The largest distance of a number of the pair from 0: no answer is better than its rounding.
-double extent(HullShape const& a, HullShape const& b, Pose const& T1, Pose const& T2) {
-  double most = std::max(T1.translation().mag(), T2.translation().mag());
-  for (HullShape const* hull : {&a, &b}) {
-    for (ZuVector const& v : hull->vertices()) most = std::max(most, v.mag());
+/// A solid with what the guarantees of its answers depend on.
+struct Solid {
+  std::unique_ptr<ZuShape> shape;
+  double extent = 0.0;  ///< largest distance of its points
+  double reach = 0.0;   ///< the same of its points from the origin of its frame
+  bool isCurved = false;
+};
+
+Solid readHull(Numbers& numbers, unsigned int kind) {
+  Solid solid;
+  std::vector<ZuVector> points;
+  for (unsigned int n = numbers.byte() % 12 + 1; n > 0; --n) points.push_back(numbers.vector(kind));
+  for (ZuVector const& p : points) {
+    solid.reach = std::max(solid.reach, p.mag());
+    for (ZuVector const& q : points) solid.extent = std::max(solid.extent, p.distanceTo(q));
+  }
+  solid.shape = std::make_unique<HullShape>(points);
+  return solid;
+}
+
+Solid readSolid(Numbers& numbers, unsigned int kind) {
+  Solid solid;
+  ZuVector const numbersOfSize = numbers.vector(kind);
+  double const x = std::abs(numbersOfSize.x()), y = std::abs(numbersOfSize.y()), z = std::abs(numbersOfSize.z());
+  ZuLineSegment const axis(ZuVector(0.0, 0.0, -z), ZuVector(0.0, 0.0, z));
+  unsigned int const form = numbers.byte() % 5;
+  if (form == 0) solid.shape = std::make_unique<ZuBox>(Pose(), ZuVector(x, y, z));
+  if (form == 1) solid.shape = std::make_unique<ZuCapsule>(axis, x);
+  if (form == 2) solid.shape = std::make_unique<ZuCylinder>(axis, x);
+  if (form == 3) solid.shape = std::make_unique<ZuCone>(axis, x);
+  if (form == 4) solid.shape = std::make_unique<ZuEllipsoid>(Pose(), ZuVector(x, y, z));
+  solid.extent = 2.0 * (form == 1 ? x + z : std::max(std::max(x, z), form == 0 || form == 4 ? y : 0.0));
+  solid.reach = solid.extent;
+  solid.isCurved = form >= 2;
+  return solid;
+}
+
+/// How far a point sticks out of the solid, in the directions of the axes and of v.
+double excess(ZuShape const& shape, ZuVector const& point, ZuVector const& v) {
+  double most = 0.0;
+  for (ZuVector const& along : {ZuVector(1, 0, 0), ZuVector(0, 1, 0), ZuVector(0, 0, 1), v.unitVector()}) {
+    for (ZuVector const& d : {along, -along}) most = std::max(most, d.dot(point - shape.computeSupportPoint(d)));
   }
   return most;
 }
 
-/// That the plane across the separation, or across the depth, has the shapes on its two sides proves the distance from
-/// below, or the depth from above.
-void requireProven(HullShape const& a, HullShape const& b, Pose const& T1, Pose const& T2, Answer const& answer,
-                   double band) {
-  if (!(answer.separation.mag() > 1e3 * band)) return;
-  ZuVector const n = answer.separation.unitVector() * (answer.distance > 0.0 ? -1.0 : 1.0);
+/// The plane across the separation has the shapes on its two sides, which proves the distance from below. `tilt` is how
+/// far the ends of the solids are moved by the rounding of a direction of unit length.
+void requireProven(ZuShape const& a, ZuShape const& b, Pose const& T1, Pose const& T2, Answer const& answer,
+                   double band, double tilt) {
+  ZuVector const n = -answer.separation.unitVector();
   ZuVector const p = T1 * a.computeSupportPoint(T1.orientation().inverseTimes(n));
   ZuVector const q = T2 * b.computeSupportPoint(T2.orientation().inverseTimes(-n));
-  require(std::abs(n.dot(p - q) + answer.distance) <= band);
+  require(std::abs(n.dot(p - q) + answer.distance) <= band + tilt / answer.separation.mag());
+}
+
+void requireGuarantees(ZuRobustGJK& engine, Solid const& solid1, Solid const& solid2, Pose const& T1, Pose const& T2,
+                       ZuVector const& start) {
+  ZuShape const &a = *solid1.shape, &b = *solid2.shape;
+  Answer const bare = ask(engine, a, b, T1, T2, start, false);
+  Answer const answer = ask(engine, a, b, T1, T2, start, true);
+  double gap = engine.depthGap();
+  double const size = std::max(solid1.extent, solid2.extent);
+  double const place = std::max(T1.translation().mag() + solid1.reach, T2.translation().mag() + solid2.reach);
+  if (!(size >= 1e-6 && size <= 1e6 && place <= 1e6 * size)) return;
+  double const rounding = 16.0 * 0x1p-52 * place, band = 1e-9 * size + rounding;
+  for (Answer const* each : {&bare, &answer}) {
+    require(((T1 * each->witness1 - T2 * each->witness2) - each->separation).mag() <= band);
+    require(std::abs(each->separation.mag() - std::abs(each->distance)) <= band);
+    require(excess(a, each->witness1, T1.orientation().inverseTimes(each->separation)) <= band);
+    require(excess(b, each->witness2, T2.orientation().inverseTimes(each->separation)) <= band);
+  }
+  require(std::abs(bare.distance - std::max(answer.distance, 0.0)) <= band);
+  bool const isCurved = solid1.isCurved || solid2.isCurved, isDepth = answer.distance <= band;
+  double const bandOfDepth = isDepth ? (isCurved ? 1e-6 : 1e-7) * size + rounding : band;
+  if (isDepth) {  // moved along it, the solids touch
+    Pose const moved(T2.translation() + answer.separation, T2.orientation());
+    Answer const touching = ask(engine, a, b, T1, moved, ZuVector(), true);
+    require(std::abs(touching.distance) <= bandOfDepth + gap + engine.depthGap());
+  } else {
+    requireProven(a, b, T1, T2, answer, band, rounding * size);
+  }
+  for (bool const isSwapped : {false, true}) {
+    Answer const other =
+        isSwapped ? ask(engine, b, a, T2, T1, ZuVector(), true) : ask(engine, a, b, T1, T2, answer.separation, true);
+    gap = std::max(gap, engine.depthGap());
+    require(std::abs(other.distance - answer.distance) <= bandOfDepth + (isDepth ? gap : 0.0));
+  }
 }
 
 }  // namespace
@@ -94,30 +171,21 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   static ZuGJK theEngine;
   static ZuRobustGJK theRobustEngine;
   Numbers numbers(data, size);
-  unsigned int const kinds = numbers.byte(), kind1 = kinds % 3, kind2 = kinds / 3 % 3, kindOfPose = kinds / 9 % 3;
-  std::vector<ZuVector> points[2];
+  unsigned int const kinds = numbers.byte(), kind[] = {kinds % 3, kinds / 3 % 3}, kindOfPose = kinds / 9 % 3;
+  Solid solids[2];
   for (int k = 0; k < 2; ++k) {
-    for (unsigned int n = numbers.byte() % 12 + 1; n > 0; --n)
-      points[k].push_back(numbers.vector(k == 0 ? kind1 : kind2));
+    bool const isHull = (kinds / 27 >> k & 1U) == 0;
+    solids[k] = isHull ? readHull(numbers, kind[k]) : readSolid(numbers, kind[k]);
   }
-  HullShape const a(points[0]), b(points[1]);
   Pose poses[2];
   for (Pose& pose : poses) {
     ZuVector const axis = numbers.vector(1), place = numbers.vector(kindOfPose);
     pose = Pose(place, ZuOrientation(numbers.real(1), axis.x(), axis.y(), axis.z()));
   }
   ZuVector const start = numbers.vector(kindOfPose);
-  for (bool const penetration : {false, true}) ask(theEngine, a, b, poses[0], poses[1], start, penetration);
-  ask(theRobustEngine, a, b, poses[0], poses[1], start, false);
-  Answer const answer = ask(theRobustEngine, a, b, poses[0], poses[1], start, true);
-  double const most = extent(a, b, poses[0], poses[1]), band = 1e-7 * most;
-  if (!(most > 1e-30 && most < 1e30)) return 0;
-  require(((poses[0] * answer.witness1 - poses[1] * answer.witness2) - answer.separation).mag() <= band);
-  require(std::abs(answer.separation.mag() - std::abs(answer.distance)) <= band);
-  requireProven(a, b, poses[0], poses[1], answer, band);
-  for (Answer const& other : {ask(theRobustEngine, b, a, poses[1], poses[0], ZuVector(), true),
-                              ask(theRobustEngine, a, b, poses[0], poses[1], answer.separation, true)}) {
-    require(std::abs(other.distance - answer.distance) <= band);
+  for (bool const penetration : {false, true}) {
+    ask(theEngine, *solids[0].shape, *solids[1].shape, poses[0], poses[1], start, penetration);
   }
+  requireGuarantees(theRobustEngine, solids[0], solids[1], poses[0], poses[1], start);
   return 0;
 }
