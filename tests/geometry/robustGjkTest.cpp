@@ -197,6 +197,30 @@ TEST(RobustGjk, Guarantee7FlatThinAndIdenticalShapesAreLegal) {
   }
 }
 
+/// On the two sides of a layer that is as thick as two corners are apart.
+TEST(RobustGjk, Guarantees1And6HoldForNeedlesAndPlatesThatAreHardlyApart) {
+  RandomValues r(8);
+  SCOPED_TRACE(r.trace());
+  ZuRobustGJK engine;
+  for (int k = 0; k < 1000; ++k) {
+    double const width = r.scale(1e-12, 1.0), height = r.scale(1e-12, 1.0), gap = r.scale(1e-11, 1e-3);
+    Pose const T1 = r.transformation(), T2 = r.transformation();
+    std::vector<ZuVector> points[2];
+    ZuVector const nearest(r.real(), 0.0, width * r.real());
+    for (int side = 0; side < 2; ++side) {
+      double const up = side == 0 ? 0.0 : gap;
+      for (unsigned int i = r.index(8); i < 9; ++i) {
+        ZuVector const p(r.real(), height * r.real(0.0, 1.0) * (side == 0 ? -1.0 : 1.0), width * r.real());
+        points[side].push_back((side == 0 ? T1 : T2).inverse() * ((i < 8 ? p : nearest) + ZuVector(0.0, up, 0.0)));
+      }
+    }
+    HullShape const a(points[0]), b(points[1]);
+    Answer const answer = ask(engine, a, b, T1, T2), swapped = ask(engine, b, a, T2, T1, false, r.direction());
+    for (Answer const& each : {answer, swapped}) EXPECT_NEAR(each.distance, gap, 1e-9) << width << ' ' << height;
+    expectConsistent(answer, T1, T2, 1e-9);
+  }
+}
+
 /// What fuzzing found: slim simplices whose weights say anything, an origin on a facet of the first polytope.
 TEST(RobustGjk, Guarantees1And3HoldForSlimSimplicesWhereverTheyStart) {
   HullShape const rod({{-8.0, -8.0, -8.0}, {7.9375, 7.9375, 7.9375}});
