@@ -243,7 +243,7 @@ void ZuDepthPolytope::addPoint() {
 
 /// The height of a point over the plane of a facet of edges e0, e1 is wrong by its noise and by c eps |e0| |e1| / |e0 x
 /// e1| of the size of the set, and |e0| |e1| <= (e0^2 + e1^2) / 2. A slim facet goes as soon as a point may be in front
-/// of it, a facet without an area with any point.
+/// of it, a facet without an area, or with one that is no double, with any point.
 void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
   Facet& f = m_Facets[facet];
   ZuVector const &ya = m_Places[a], &yb = m_Places[b], &yc = m_Places[c];
@@ -252,7 +252,7 @@ void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
   f.corner[0] = a;
   f.corner[1] = b;
   f.corner[2] = c;
-  if (!(square > 0.0)) {
+  if (!(square > 0.0 && square < theFarthest)) {
     f.normal = ZuVector();
     f.height = theFarthest;
     f.bound = -theFarthest;
