@@ -75,7 +75,7 @@ ZuConvexCore::ZuConvexCore(ZuShape const& shape) : m_Shape(shape) {
 void ZuConvexCore::takeBox(ZuVector const& half, ZuCoordinateSystemTransformation const& frame) {
   m_Kind = BOX;
   m_Half = half;
-  turn = ZuTurn(frame);
+  if (frame.hasRotation()) turn = ZuTurn(frame);
   center = frame.translation();
 }
 

@@ -24,11 +24,13 @@ struct ZuTurn {
   ZuVector inverseTimes(ZuVector const& v) const { return isIdentity ? v : ZuVector(x.dot(v), y.dot(v), z.dot(v)); }
   ZuTurn times(ZuTurn const& t) const {
     if (isIdentity) return t;
-    return t.isIdentity ? *this : ZuTurn(times(t.x), times(t.y), times(t.z));
+    if (t.isIdentity) return *this;
+    return {times(t.x), times(t.y), times(t.z)};
   }
   /// The inverse of this after t.
   ZuTurn inverseTimes(ZuTurn const& t) const {
-    return isIdentity ? t : ZuTurn(inverseTimes(t.x), inverseTimes(t.y), inverseTimes(t.z));
+    if (isIdentity) return t;
+    return {inverseTimes(t.x), inverseTimes(t.y), inverseTimes(t.z)};
   }
 };
 
@@ -58,6 +60,29 @@ class ZuConvexCore {
         return d.dot(m_Half) < 0.0 ? -m_Half : m_Half;
       default:
         return askShape(d);
+    }
+  }
+  /// Sets p, in the core's frame, to the point of the core nearest to it; false for a core that has no closed form of
+  /// it.
+  bool bringNear(ZuVector& p) const {
+    switch (m_Kind) {
+      case POINT:
+        p = ZuVector();
+        return true;
+      case SEGMENT:
+        p = m_Half * (m_Half == ZuVector() ? 0.0 : clamp(p.dot(m_Half) / m_Half.magSquared(), 1.0));
+        return true;
+      case BOX:
+        p = {clamp(p.x(), m_Half.x()), clamp(p.y(), m_Half.y()), clamp(p.z(), m_Half.z())};
+        return true;
+      case CYLINDER: {
+        double const square = p.x() * p.x() + p.y() * p.y();
+        double const factor = square > m_Half.x() * m_Half.x() ? m_Half.x() / std::sqrt(square) : 1.0;
+        p = {p.x() * factor, p.y() * factor, clamp(p.z(), m_Half.z())};
+        return true;
+      }
+      default:
+        return false;
     }
   }
   /// Whether some of the core's boundary is curved.
@@ -124,6 +149,7 @@ class ZuConvexCore {
     double const square = onBall.magSquared(), factor = square > 0.0 ? 1.0 / std::sqrt(square) : 0.0;
     return ZuVector(m_Half.x() * onBall.x(), m_Half.y() * onBall.y(), m_Half.z() * onBall.z()) * factor;
   }
+  static double clamp(double x, double most) { return std::min(std::max(x, -most), most); }
   static double sum(ZuVector const& v) { return std::abs(v.x()) + std::abs(v.y()) + std::abs(v.z()); }
   void takeAxial(ZuVector const& end0, ZuVector const& end1, double radiusAcross);
   void takeBox(ZuVector const& half, ZuCoordinateSystemTransformation const& frame);
@@ -163,6 +189,18 @@ class ZuCoreDifference {
   /// Of the two cores' radii, scaled.
   double radius1() const { return core1.radius * m_Scale; }
   double radius2() const { return core2.radius * m_Scale; }
+  /// A first point that is near the origin: from the nearest point of each core to the other's, in turn. False where it
+  /// takes an iteration to find one.
+  bool nearPoint(ZuCorePoint& point) {
+    point.p = m_Offset;
+    if (m_Scale != 1.0 || !core1.bringNear(point.p)) return false;
+    point.q = m_Turn.inverseTimes(point.p - m_Offset);
+    if (!core2.bringNear(point.q)) return false;
+    point.p = m_Turn.times(point.q) + m_Offset;
+    core1.bringNear(point.p);
+    finish(point);
+    return true;
+  }
   /// From the centre of core 2 to that of core 1.
   ZuVector betweenCenters() const { return -m_Offset; }
   /// The largest magnitude of a number that went into a point: rounding is in proportion to it.

@@ -1,6 +1,7 @@
 // zuCoreSimplexPrivate.h - simplex of a distance iteration, and its point nearest to the origin. Group: convex engine.
 #pragma once
 
+#include <array>
 #include <limits>
 
 #include "geometry/zuConvexCorePrivate.h"
@@ -20,8 +21,8 @@ class ZuCoreSimplex {
     ZuVector v;
     double square = std::numeric_limits<double>::infinity();
     int count = 0;  ///< points of the face; 4: the origin is inside
-    int place[4];
-    double weight[4];  ///< of the points in v, times any factor above 0
+    std::array<int, 4> place{};
+    std::array<double, 4> weight{};  ///< of the points in v, times any factor above 0
   };
 
   ZuCoreSimplex() {}
@@ -60,12 +61,10 @@ class ZuCoreSimplex {
   }
   void take(Nearest const& nearest) {
     m_Count = nearest.count;
+    m_Place = nearest.place;
+    m_Weight = nearest.weight;
     unsigned int used = 0;
-    for (int i = 0; i < m_Count; ++i) {
-      m_Place[i] = nearest.place[i];
-      m_Weight[i] = nearest.weight[i];
-      used |= 1U << nearest.place[i];
-    }
+    for (int i = 0; i < m_Count; ++i) used |= 1U << m_Place[i];
     m_Free = 0;
     while ((used >> m_Free & 1U) != 0) ++m_Free;
   }
@@ -98,6 +97,7 @@ class ZuCoreSimplex {
   }
   /// The mean of the points that is nearest to the origin, of the cores and of the difference set.
   ZuCorePoint mean() const {
+    if (m_Count == 1) return point(0);
     double sum = m_Weight[0];
     for (int i = 1; i < m_Count; ++i) sum += m_Weight[i];
     ZuCorePoint mean;
@@ -115,7 +115,7 @@ class ZuCoreSimplex {
   void offerCorner(int a, Nearest& best) const {
     double const square = y(a).magSquared();
     if (!(square < best.square)) return;
-    best = {y(a), square, 1, {a}, {1.0}};
+    best = {y(a), square, 1, {{a}}, {{1.0}}};
   }
   void offerEdge(int a, int b, Nearest& best) const {
     ZuVector const edge = y(b) - y(a);
@@ -124,7 +124,7 @@ class ZuCoreSimplex {
     if (!(along < length)) return offerCorner(b, best);
     ZuVector const v = y(a) + edge * (along / length);
     double const square = v.magSquared();
-    if (square < best.square) best = {v, square, 2, {a, b}, {length - along, along}};
+    if (square < best.square) best = {v, square, 2, {{a, b}}, {{length - along, along}}};
   }
   void offerTriangle(int a, int b, int c, Nearest& best) const {
     ZuVector const ab = y(b) - y(a), ac = y(c) - y(a);
@@ -142,7 +142,7 @@ class ZuCoreSimplex {
     bool const isFlat = !(square > smallest);
     if (!isFlat && atA > 0.0 && atB > 0.0 && atC > 0.0) {
       double const height = normal.dot(ya), nearest = height * height / square;
-      if (nearest < best.square) best = {normal * (height / square), nearest, 3, {a, b, c}, {atA, atB, atC}};
+      if (nearest < best.square) best = {normal * (height / square), nearest, 3, {{a, b, c}}, {{atA, atB, atC}}};
       return;
     }
     if (isFlat || !(atC > 0.0)) offerEdge(a, b, best);
@@ -173,14 +173,14 @@ class ZuCoreSimplex {
     double weights[4] = {1.0, 1.0, 1.0, 1.0};
     ZuSimplex::tetrahedronWeights(y(a), edges, weights);
     for (double& weight : weights) weight = std::max(weight, 0.0);
-    best = {ZuVector(), 0.0, 4, {a, b, c, d}, {weights[3], weights[0], weights[1], weights[2]}};
+    best = {ZuVector(), 0.0, 4, {{a, b, c, d}}, {{weights[3], weights[0], weights[1], weights[2]}}};
   }
 
   // Uninitialised: a place is read only after it was put into.
   union {
     ZuCorePoint m_Points[5];
   };
-  int m_Place[4];
-  double m_Weight[4];
+  std::array<int, 4> m_Place;
+  std::array<double, 4> m_Weight;
   int m_Count = 0, m_Free = 0;
 };

@@ -77,9 +77,12 @@ struct ZuRobustGJK::Answer {
 /// the bound allows, the simplex was too slim for doubles, and the iteration goes on in twice their digits.
 class ZuRobustGJK::Iteration {
  public:
-  Iteration(ZuCoreDifference& set, double tolerance) : m_Set(set), m_Tolerance(tolerance) {}
+  /// @param result the nearest point, once it has run; of an overlap, the origin
+  Iteration(ZuCoreDifference& set, double tolerance, ZuCorePoint& result)
+      : m_Set(set), m_Result(result), m_Tolerance(tolerance) {}
 
-  void run(ZuVector const& start) {
+  /// @param start where to start the search; null for the best guess
+  void run(ZuVector const* start) {
     begin(start);
     for (int steps = 1; steps < theMostSteps && !m_Overlaps && step(); ++steps) {
     }
@@ -91,16 +94,16 @@ class ZuRobustGJK::Iteration {
   }
   bool overlaps() const { return m_Overlaps; }
   ZuCoreSimplex const& simplex() const { return m_Simplex; }
-  /// The nearest point; of an overlap, the origin.
-  ZuCorePoint const& result() const { return m_Result; }
 
  private:
-  void begin(ZuVector const& start) {
-    m_V = start.unitVector();
-    if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
+  void begin(ZuVector const* start) {
     ZuCorePoint first;
-    m_Set.support(-m_V, first);
-    m_Bound = m_V.dot(first.y);
+    if (!m_Set.nearPoint(first) || !(first.y.magSquared() > noise() * noise())) {
+      m_V = (start != nullptr ? *start : m_Set.betweenCenters()).unitVector();
+      if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
+      m_Set.support(-m_V, first);
+      m_Bound = m_V.dot(first.y);
+    }
     m_First = m_V = first.y;
     m_Simplex.take(first);
     m_Square = m_V.magSquared();
@@ -157,7 +160,7 @@ class ZuRobustGJK::Iteration {
 
   ZuCoreDifference& m_Set;
   ZuCoreSimplex m_Simplex;
-  ZuCorePoint m_Result;
+  ZuCorePoint& m_Result;
   ZuVector m_V, m_First;
   double m_Tolerance, m_Square = 0.0;
   double m_Bound = 0.0;  ///< of the distance, from below
@@ -229,10 +232,9 @@ bool ZuRobustGJK::query(ZuCoreDifference& set, ZuVector const* start, bool compu
   double const radii = set.radius1() + set.radius2();
   if (computePenetration && set.areBoxesDeepInEachOther() && findBoxDepth(set, answer)) return set.isInRange();
   bool const hasStart = start != nullptr && *start != ZuVector() && isFinite(*start);
-  ZuVector const v = hasStart ? set.fromWorld(*start) : set.betweenCenters();
-  Iteration iteration(set, m_Tolerance);
-  iteration.run(v);
-  answer.point = iteration.result();
+  ZuVector const v = hasStart ? set.fromWorld(*start) : ZuVector();
+  Iteration iteration(set, m_Tolerance, answer.point);
+  iteration.run(hasStart ? &v : nullptr);
   if (iteration.overlaps()) {
     answer.distance = -radii;
     return computePenetration ? findDepth(set, iteration.simplex(), answer) : set.isInRange();

@@ -68,7 +68,8 @@ class ZU_API ZuRobustGJK : public ZuGJK {
   bool operator==(ZuGJK const& other) const override;
   /// As ZuGJK::distance(), with these differences: the distance of shapes that touch is 0 or a rounding error of either
   /// sign when penetration is asked for; without, shapes that touch or overlap give one common point and the zero
-  /// vector. Directions of any length start the search.
+  /// vector. Directions of any length start the search, but not of balls, capsules, boxes and cylinders, for which a
+  /// better start has a closed form.
   bool distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemTransformation const& T1,
                 ZuCoordinateSystemTransformation const& T2, bool computePenetration, ZuVector& witness1,
                 ZuVector& witness2, double& distance, ZuVector* separation) override;
