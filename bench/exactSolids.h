@@ -363,10 +363,15 @@ class PolytopeDepth {
   };
 
   ZuVector turned(ZuVector const& v) const { return m_X * v.x() + m_Y * v.y() + m_Z * v.z(); }
-  double tryDirection(ZuVector const& n) {
-    ZuVector const inB(-m_X.dot(n), -m_Y.dot(n), -m_Z.dot(n));
-    double const value = m_A.support(n) + m_B.support(inB) - n.dot(m_Offset);
-    m_Least = std::min(m_Least, value);
+  ZuVector inB(ZuVector const& v) const { return {m_X.dot(v), m_Y.dot(v), m_Z.dot(v)}; }
+  void tryDirection(ZuVector const& n) {
+    m_Least = std::min(m_Least, m_A.support(n) + m_B.support(-inB(n)) - n.dot(m_Offset));
+  }
+  /// The support value along a facet's normal n, from a corner of it, which rounding may have made too low.
+  double tryFacet(Hull::Facet const& facet, ZuVector const& n, bool isB) {
+    double const own = facet.normal.dot(facet.corner);
+    double const value = own + (isB ? m_A.support(n) : m_B.support(-inB(n))) - n.dot(m_Offset);
+    if (value < m_Least) tryDirection(n);
     return value;
   }
   void findArcs(Hull const& hull, bool isB, std::vector<Arc>& arcs) {
@@ -374,7 +379,7 @@ class PolytopeDepth {
     std::vector<double> values;
     for (Hull::Facet const& facet : hull.facets()) {
       normals.push_back(isB ? turned(-facet.normal) : facet.normal);
-      values.push_back(tryDirection(normals.back()));
+      values.push_back(tryFacet(facet, normals.back(), isB));
     }
     for (Hull::Edge const& edge : hull.edges()) {
       ZuVector const &n1 = normals[edge.facets[0]], &n2 = normals[edge.facets[1]];
