@@ -19,7 +19,22 @@ constexpr double theFlatness = 1e-13;
 /// Expansions that may follow to find the minimum of the upper bound, once there have been enough of them.
 constexpr unsigned int theLocalExpansions = 512;
 /// Expansions from which on wider gaps will do; see patience(). Polytopes hardly ever take as many.
-constexpr unsigned int theFineExpansions = 256, theCoarseExpansions = 1024;
+constexpr unsigned int theFineExpansions = 256, theCoarseExpansions = 1024, theLastExpansions = 2048;
+/// Gaps that are wider than this part of the size after the last of these will not close in twice as many: a circle of
+/// directions has a gap that falls with the square of their number, to 1e-6 then, a sphere with the number, to 1e-3.
+constexpr double theHopeless = 1e-5;
+/// Directions that descents may start from, how many of them do, and the cosine up to which they are apart.
+constexpr int theSamples = 64, theDescents = 8;
+constexpr double theApart = 0.95;
+/// Steps of a descent, rad: the first, the last, which leaves 1e-10 of the size where the solid is smooth, and most.
+constexpr double theFirstStep = 0.1, theLastStep = 1e-5;
+constexpr int theMostSteps = 200;
+/// How many steps a descent goes along one line at most.
+constexpr double theLongest = 1000.0;
+/// Directions around another.
+constexpr double theHalf = 0.7071067811865476;
+constexpr double theCircle[8][2] = {{1, 0},  {theHalf, theHalf},   {0, 1},  {-theHalf, theHalf},
+                                    {-1, 0}, {-theHalf, -theHalf}, {0, -1}, {theHalf, -theHalf}};
 /// Facets with a sine below 1e-4 go as soon as a point may be in front of them: their normals are rough, and what is
 /// left around them would not be convex.
 constexpr double theSlimRounding = theOrientationRounding * 1e4;
@@ -53,6 +68,19 @@ ZuVector perpendicular(ZuVector const& v) {
   return unit == ZuVector() ? ZuVector::xVector(1.0) : unit;
 }
 
+/// The shortest vector on a segment between two of the vectors.
+ZuVector shortestMean(ZuVector const (&v)[9]) {
+  ZuVector shortest = v[0];
+  for (int i = 0; i < 9; ++i) {
+    for (int k = 0; k < i; ++k) {
+      double t = 0.0;
+      ZuVector const mean = ZuSimplex::nearestOnSegment(v[i], v[k], t);
+      if (mean.magSquared() < shortest.magSquared()) shortest = mean;
+    }
+  }
+  return shortest;
+}
+
 }  // namespace
 
 ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSimplex const& simplex, double tolerance,
@@ -65,7 +93,10 @@ ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSi
   depth.lower = std::min(m_Lower, m_Upper);
   double const gap = tolerance * m_Size + m_Noise;
   bool const isCoarse = ending == ENOUGH || m_Upper - m_Lower > gap;
-  if (isCoarse) settle(set, gap);
+  if (isCoarse) {
+    if (ending == ENOUGH) descend(set);
+    settle(set, gap);
+  }
   bool const isFound = finish(gap, depth);
   depth.upper = m_Upper;
   return isFound ? FOUND : FLAT;
@@ -75,7 +106,8 @@ ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSi
 /// deep in all directions of a circle: the bounds then meet as slowly as a polygon becomes round.
 double ZuDepthPolytope::patience() const {
   if (m_Expansions < theFineExpansions) return 1.0;
-  return m_Expansions < theCoarseExpansions ? 200.0 : 2000.0;
+  if (m_Expansions < theCoarseExpansions) return 200.0;
+  return m_Expansions < theLastExpansions ? 2000.0 : 3000.0;
 }
 
 ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double tolerance, unsigned int limit,
@@ -85,7 +117,8 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
     if (facet < 0) return MET;
     double const lower = m_Lower = m_Facets[facet].height, gap = tolerance * patience() * m_Size + m_Noise;
     if (lower >= m_Upper - gap) return MET;
-    double const h = supportValue(set, facet);
+    if (m_Expansions == theLastExpansions && m_Upper - lower > theHopeless * m_Size) return ENOUGH;
+    double const h = supportValue(set, m_Facets[facet].normal);
     if (h < -m_Noise) {
       depth.normal = m_Facets[facet].normal;
       return SEPARATED;
@@ -101,7 +134,7 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
 void ZuDepthPolytope::settle(ZuCoreDifference& set, double gap) {
   int facet = facetAlong(m_UpperNormal);
   for (unsigned int i = 0; i < theLocalExpansions && m_Facets[facet].height < m_Upper - gap; ++i) {
-    double const h = supportValue(set, facet);
+    double const h = supportValue(set, m_Facets[facet].normal);
     bool const isFound = !(h > m_Facets[facet].height + gap);
     if (!isFound && !insert(facet)) return;
     int const next = facetAlong(m_UpperNormal);
@@ -110,9 +143,68 @@ void ZuDepthPolytope::settle(ZuCoreDifference& set, double gap) {
   }
 }
 
-/// The support value of the facet's normal, which bounds the depth from above. The support point becomes the next one.
-double ZuDepthPolytope::supportValue(ZuCoreDifference& set, int facet) {
-  ZuVector const normal = m_Facets[facet].normal;
+/// Where the bounds have not met: from the best of directions spread over the facets that may yet be nearest, and from
+/// the best one so far, down to minima of the support value.
+void ZuDepthPolytope::descend(ZuCoreDifference& set) {
+  struct {
+    ZuVector normal;
+    double h;
+  } starts[theSamples + 1];
+  starts[0] = {m_UpperNormal, m_Upper};
+  int candidates = 0, count = 1;
+  auto const isCandidate = [&](Facet const& f) { return f.isLive() && f.height < starts[0].h; };
+  for (int f = 0; f < m_FacetCount; ++f) candidates += isCandidate(m_Facets[f]) ? 1 : 0;
+  int const stride = candidates / theSamples + 1;
+  for (int f = 0, i = 0; f < m_FacetCount; ++f) {
+    if (!isCandidate(m_Facets[f]) || ++i % stride != 0) continue;
+    starts[count++] = {m_Facets[f].normal, supportValue(set, m_Facets[f].normal)};
+  }
+  std::sort(starts, starts + count, [](auto const& a, auto const& b) { return a.h < b.h; });
+  int chosen = 0;
+  for (int i = 0; i < count && chosen < theDescents; ++i) {
+    bool isApart = true;
+    for (int k = 0; k < chosen; ++k) isApart = isApart && starts[i].normal.dot(starts[k].normal) < theApart;
+    if (isApart) std::swap(starts[chosen++], starts[i]);
+  }
+  for (int i = 0; i < chosen; ++i) goDown(set, starts[i].normal);
+}
+
+/// Gradient sampling (Burke et al. 2005): of the gradients at the middle and at eight directions around it, the mean
+/// that is shortest leads down, also along the valleys that edges of the solids make. Where nothing does, the step is
+/// halved.
+void ZuDepthPolytope::goDown(ZuCoreDifference& set, ZuVector normal) {
+  double h = theFarthest, step = theFirstStep;
+  ZuVector gradient, gradients[9];
+  auto const look = [&](ZuVector const& along) {
+    ZuVector const unit = along.unitVector();
+    double const value = supportValue(set, unit);
+    ZuVector const slope = m_Points[m_PointCount].y - unit * value;
+    if (value < h) {
+      h = value;
+      normal = unit;
+      gradient = slope;
+    }
+    return slope;
+  };
+  look(normal);
+  for (int i = 0; i < theMostSteps && step > theLastStep; ++i) {
+    ZuVector const center = normal, first = perpendicular(center) * step, second = center.cross(first);
+    double const before = h;
+    gradients[8] = gradient;
+    for (int k = 0; k < 8; ++k) gradients[k] = look(center + first * theCircle[k][0] + second * theCircle[k][1]);
+    ZuVector const down = shortestMean(gradients).unitVector() * -step;
+    double least = h;
+    for (double length = 1.0; length < theLongest; length *= 2.0) {
+      look(center + down * length);
+      if (!(h < least)) break;
+      least = h;
+    }
+    if (!(h < before)) step *= 0.5;
+  }
+}
+
+/// The support value of a normal, which bounds the depth from above. The support point becomes the next one.
+double ZuDepthPolytope::supportValue(ZuCoreDifference& set, ZuVector const& normal) {
   ZuCorePoint& point = m_Points[m_PointCount];
   set.support(normal, point);
   double const h = normal.dot(point.y);

@@ -32,7 +32,7 @@ class ZuDepthPolytope {
 
   /// @param simplex of a distance iteration that found the origin inside, at 1 to 4 points
   /// @param tolerance gap of the bounds at which the search ends, as a part of the size of the set
-  /// @param maxExpansions after so many, the search goes from the least upper bound to a minimum, and ends there
+  /// @param maxExpansions after so many, the search goes down from several upper bounds to minima, and ends at the least
   Outcome search(ZuCoreDifference& set, ZuCoreSimplex const& simplex, double tolerance, unsigned int maxExpansions,
                  Depth& depth);
 
@@ -71,7 +71,9 @@ class ZuDepthPolytope {
 
   Ending expand(ZuCoreDifference& set, double tolerance, unsigned int limit, Depth& depth);
   void settle(ZuCoreDifference& set, double gap);
-  double supportValue(ZuCoreDifference& set, int facet);
+  void descend(ZuCoreDifference& set);
+  void goDown(ZuCoreDifference& set, ZuVector normal);
+  double supportValue(ZuCoreDifference& set, ZuVector const& normal);
   double patience() const;
   bool start(ZuCoreDifference& set, ZuCoreSimplex const& simplex, Depth& depth);
   bool takeTetrahedron(ZuCoreSimplex const& simplex);

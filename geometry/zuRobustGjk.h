@@ -35,18 +35,19 @@ class ZuDepthPolytope;
 ///
 /// They rest on support points that are right to rounding. Measured exceptions: of cones that graze one in ten thousand
 /// is off by 1e-8 sizes. Solids a million times as long as thick may be off by a part of 1e-6 of the length, and then
-/// on the wrong side of contact. A depth that maxIterations() cuts short, as of two coaxial cylinders or nearly round
-/// ellipsoids about one centre, which are as deep in many directions, is one of a local minimum: what was proven of it,
-/// depthGap() tells.
+/// on the wrong side of contact. Solids that are as deep all around, as two coaxial cylinders, have proven
+/// depths; of those that are as deep in all directions of a solid angle, as nearly round ellipsoids about one centre,
+/// the depth is the least of several local minima, found by descents: right to the band in all of 5768 pairs, of
+/// both kinds, that were compared with dense samples, but proven to 2e-3 sizes only. depthGap() tells what was proven.
 ///
 /// **The steps** of ZuGJK are not part of this iteration; overriding them changes nothing. It keeps no simplex:
 /// `reset()`, `saveCache()` and the dumps see that of the base class, which stays empty.
 ///
 /// **Settings.** tolerance() is the gap between a distance and its lower bound at which an iteration ends, as a part of
 /// the size: 1e-14. A depth takes 1e-10, or the tolerance when that is larger, and more after 256 expansions.
-/// maxIterations() bounds the expansions of a depth: 2048.
+/// maxIterations() bounds the expansions of a depth: 4096.
 ///
-/// **State.** Only the lists of the polytope, empty until a first depth, which grow to what the largest needed (200
+/// **State.** Only the lists of the polytope, empty until a first depth, which grow to what the largest needed (400
 /// bytes for each expansion): after that no query allocates. Copies don't take them along. One engine serves one thread
 /// at a time; results do not depend on earlier queries.
 class ZU_API ZuRobustGJK : public ZuGJK {

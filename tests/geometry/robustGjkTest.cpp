@@ -4,6 +4,8 @@
 
 #include "bench/accuracyPairs.h"
 #include "geometry/zuBox.h"
+#include "geometry/zuCylinder.h"
+#include "geometry/zuEllipsoid.h"
 #include "tests/allocationCounter.h"
 #include "tests/engineQueries.h"
 #include "tests/hardPairs.h"
