@@ -24,6 +24,7 @@
 #include "geometry/zuShapePointEvent.h"
 #include "geometry/zuShapeProximityData.h"
 #include "geometry/zuShapeProximityDescriptor.h"
+#include "geometry/zuSupportTablePrivate.h"
 #include "geometry/zuSystemShapeProximityState.h"
 
 namespace {
@@ -170,7 +171,7 @@ void ZuBasePhysicalExtent::copyMesh(ZuBasePhysicalExtent const& other) {
   m_NearPointID = other.m_NearPointID;
   m_VisitStamps = other.m_VisitStamps;
   m_VisitStamp = other.m_VisitStamp;
-  m_Climb = other.m_Climb;
+  m_SupportTable = other.m_SupportTable;
   m_Derived = other.m_Derived;
   m_Computed = other.m_Computed;
   m_Outdated = other.m_Outdated;
@@ -214,7 +215,7 @@ void ZuBasePhysicalExtent::setPoint(unsigned int index, ZuVector const& point) {
 void ZuBasePhysicalExtent::resetNeighborFlags() {
   m_Computed.reset();
   m_Outdated.reset();
-  m_Climb.isReady = false;
+  m_SupportTable.reset();
 }
 
 void ZuBasePhysicalExtent::setComputed(DerivedStructure structure) const {
@@ -282,7 +283,7 @@ void ZuBasePhysicalExtent::pointsMoved() {
     if (m_Computed[structure]) m_Outdated.set(structure);
   }
   m_Computed.reset(BOXES);
-  m_Climb.isReady = false;
+  m_SupportTable.reset();
   m_Surface.reset();
   m_Capsule.reset();
 }
@@ -319,7 +320,7 @@ void ZuBasePhysicalExtent::setVertexNeighborFacets(FacetLists&& lists) {
   m_Derived.vertexNeighborFacets = std::move(lists);
   m_VisitStamps.assign(m_Points.size(), 0);
   m_VisitStamp = 1;
-  m_Climb.isReady = false;
+  m_SupportTable.reset();
   setComputed(VERTEX_FACETS);
 }
 
@@ -575,11 +576,15 @@ void ZuBasePhysicalExtent::scan(ZuVector const& direction) const {
 
 ZuVector ZuBasePhysicalExtent::computeSupportPoint(ZuVector const& direction) const {
   if (m_Points.empty()) return {};
-  if (m_IsConvex && !m_Climb.isReady) prepareClimb();
-  if (isZero(direction)) return supportPoint(direction);
   if (m_IsConvex) {
-    climbFromBestStart(direction);
-  } else if (m_Points.size() > m_theLargestPlainScan && !surface().triangles().empty()) {
+    ZuSupportTable const& table = m_SupportTable ? *m_SupportTable : supportTable();
+    if (isZero(direction)) return supportPoint(direction);
+    unsigned int const place = table.farthest(direction);
+    m_SupportPointID = table.index(place);
+    return table.point(place);
+  }
+  if (isZero(direction)) return supportPoint(direction);
+  if (m_Points.size() > m_theLargestPlainScan && !surface().triangles().empty()) {
     m_SupportPointID = surface().farthestVertex(direction);
   } else {
     scan(direction);
@@ -587,102 +592,16 @@ ZuVector ZuBasePhysicalExtent::computeSupportPoint(ZuVector const& direction) co
   return m_Points[m_SupportPointID];
 }
 
-/// The starts: all vertices of a small mesh, of a large one those farthest along the axes and the diagonals of the
-/// frame.
-void ZuBasePhysicalExtent::prepareClimb() const {
+ZuSupportTable const& ZuBasePhysicalExtent::supportTable() const {
   // The caches of a const mesh are filled by the same builders as those of another one.
-  auto& self = const_cast<ZuBasePhysicalExtent&>(*this);
-  if (!isComputed(VERTEX_VERTICES)) self.findVertexNeighborVertices();
-  if (!isComputed(VERTEX_FACETS)) self.findVertexNeighborFacetsVector();
+  if (!isComputed(VERTEX_FACETS)) const_cast<ZuBasePhysicalExtent&>(*this).findVertexNeighborFacetsVector();
   std::vector<unsigned int> used = usedIndices();
   if (used.empty()) {
     used.resize(m_Points.size());
     std::iota(used.begin(), used.end(), 0U);
   }
-  m_Climb = Climb();
-  m_Climb.isReady = true;
-  bool const climbs = used.size() > m_theLargestScan && vertexNeighborVerticesVector().size() == m_Points.size();
-  if (climbs) weldClimb(used);
-  m_Climb.isWholeMesh = !climbs || !isConnected(used);
-  if (m_Climb.isWholeMesh) {
-    m_Climb.starts = std::move(used);
-    return;
-  }
-  for (int i = 0; i < 27; ++i) {
-    ZuVector const direction(i % 3 - 1, i / 3 % 3 - 1, i / 9 - 1);
-    int const axes = static_cast<int>(direction.magSquared());
-    if (axes != 1 && axes != 3) continue;
-    auto const farther = [this, &direction](unsigned int a, unsigned int b) {
-      return m_Points[a].dot(direction) < m_Points[b].dot(direction);
-    };
-    m_Climb.starts.push_back(*std::max_element(used.begin(), used.end(), farther));
-  }
-}
-
-/// Vertices in one place, on both sides of a seam or of facets with vertices of their own, become one of them, which
-/// stands for all: the climb would otherwise end at the seam.
-void ZuBasePhysicalExtent::weldClimb(std::vector<unsigned int>& used) const {
-  std::vector<unsigned int> const welded = zuWeld(m_Points);
-  auto const isCopy = [&welded](unsigned int i) { return welded[i] != i; };
-  if (std::none_of(used.begin(), used.end(), isCopy)) return;
-  auto const forEachEdge = [&](auto const& visit) {
-    for (unsigned int const i : used) {
-      for (unsigned int const j : vertexNeighborVerticesVector()[i]) {
-        if (j < welded.size() && welded[i] != welded[j]) visit(welded[i], welded[j]);
-      }
-    }
-  };
-  ZuCompressedListsBuilder<unsigned int> neighbors(m_Points.size());
-  forEachEdge([&neighbors](unsigned int a, unsigned int) { neighbors.announce(a); });
-  neighbors.endAnnouncing();
-  forEachEdge([&neighbors](unsigned int a, unsigned int b) {
-    if (!contains(neighbors.list(a), b)) neighbors.add(a, b);
-  });
-  m_Climb.welded = neighbors.lists();
-  for (unsigned int& i : used) i = welded[i];
-  std::sort(used.begin(), used.end());
-  used.erase(std::unique(used.begin(), used.end()), used.end());
-}
-
-ZuBasePhysicalExtent::IndexLists const& ZuBasePhysicalExtent::climbNeighbors() const {
-  return m_Climb.welded.empty() ? m_Derived.vertexNeighborVertices : m_Climb.welded;
-}
-
-/// Whether edges join every vertex to every other one.
-bool ZuBasePhysicalExtent::isConnected(std::vector<unsigned int> const& used) const {
-  IndexLists const& neighbors = climbNeighbors();
-  std::vector<bool> isReached(m_Points.size(), false);
-  std::vector<unsigned int> reached = {used[0]};
-  isReached[used[0]] = true;
-  for (std::size_t i = 0; i < reached.size(); ++i) {
-    for (unsigned int const neighbor : neighbors[reached[i]]) {
-      if (neighbor >= isReached.size() || isReached[neighbor]) continue;
-      isReached[neighbor] = true;
-      reached.push_back(neighbor);
-    }
-  }
-  return reached.size() == used.size();
-}
-
-void ZuBasePhysicalExtent::climbFromBestStart(ZuVector const& direction) const {
-  IndexLists const& neighbors = climbNeighbors();
-  unsigned int present = m_Climb.starts[0];
-  double best = -std::numeric_limits<double>::infinity();
-  auto const tryVertex = [this, &direction, &present, &best](unsigned int vertex) {
-    double const dot = m_Points[vertex].dot(direction);
-    if (!(dot > best)) return;
-    best = dot;
-    present = vertex;
-  };
-  for (unsigned int const vertex : m_Climb.starts) tryVertex(vertex);
-  if (!m_Climb.isWholeMesh) {
-    if (m_SupportPointID < neighbors.size() && !neighbors[m_SupportPointID].empty()) tryVertex(m_SupportPointID);
-    for (unsigned int last = theZuNoIndex; last != present;) {
-      last = present;
-      for (unsigned int const vertex : neighbors[last]) tryVertex(vertex);
-    }
-  }
-  m_SupportPointID = present;
+  m_SupportTable = std::make_shared<ZuSupportTable const>(m_Points, used);
+  return *m_SupportTable;
 }
 
 // Changes of the geometry.

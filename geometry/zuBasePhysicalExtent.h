@@ -21,6 +21,7 @@ class ZuPlane;
 class ZuPolygon;
 class ZuRectangle;
 class ZuRenderNode;
+class ZuSupportTable;
 namespace ZuTriangleKernels {
 struct Triangle;
 }
@@ -44,9 +45,9 @@ struct Triangle;
 /// convex it answers for the convex hull. When useAABB() is set, the meshes of both shapes themselves are compared, by
 /// their box hierarchies (ZuAABBCollisionDetection): exact for every mesh, without depth, 0 at contact.
 ///
-/// **Convex meshes** answer support points by climbing over the graph of their edges from the last answer. The climb
+/// **Convex meshes** answer supportPoint() by climbing over the graph of their edges from the last answer. The climb
 /// needs neighbour lists (init()) and the promise is the caller's: on a mesh that is marked convex but is not, it may
-/// end on a local maximum.
+/// end on a local maximum. computeSupportPoint(), which the convex engines ask, needs neither.
 ///
 /// **Derived structures** (neighbours, lines, normals) are built by init() or one by one. They are dropped when the
 /// facets, or the number of points, change. When points move they stay, and lengths and normals are found anew when
@@ -239,10 +240,12 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// made larger until it encloses the solid (but for a half-space, which has no bound). Not the supplied normals and
   /// texture coordinates.
   void fitFromShape(ZuShape const& other) override;
-  /// The same point as supportPoint(), but for ties, for points that no facet uses, and on a mesh that is not as convex
-  /// as it says. It never prints: a mesh builds the neighbours or boxes that it lacks, and does not allocate after
-  /// that. Small meshes are scanned; large convex ones climb from the best of the last answer and a few stored
-  /// vertices, large others search their boxes.
+  /// A vertex as far along the direction as any that a facet uses (any point, when there are no facets), to rounding,
+  /// however the facets join them: on a mesh that is as convex as it says the same point as supportPoint(), but for
+  /// ties. It never prints: a mesh builds what it lacks on the first call after a change, and does not allocate after
+  /// that. A convex one looks the direction up in a table of candidates, so that earlier answers make no difference;
+  /// the table takes some microseconds a point to build, and copies share it. Another one scans its points, or searches
+  /// its boxes when it is large.
   ZuVector computeSupportPoint(ZuVector const& direction) const override;
   /// The vertex farthest along the direction: for a convex mesh by climbing from the last answer, where it takes ties;
   /// otherwise by a scan of all points, the lowest index of equals. For the zero direction the first vertex that a
@@ -349,16 +352,6 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
     ZuXmlVectorVector normalsOfPoints;
     ZuXmlVectorVector normalsOfLines;
   };
-  /// What computeSupportPoint() needs beyond the neighbours.
-  struct Climb {
-    bool isReady = false;
-    bool isWholeMesh = false;          ///< the starts are all vertices, and nothing is climbed
-    std::vector<unsigned int> starts;  ///< vertices of which the best one starts the climb
-    IndexLists welded;                 ///< neighbours where several vertices share a place; empty when none do
-  };
-
-  /// Used vertices up to which computeSupportPoint() looks at all of them: above, the climb is faster.
-  static constexpr std::size_t m_theLargestScan = 16;
   /// Points up to which a mesh that is not convex is scanned for computeSupportPoint(): above, its boxes are faster.
   static constexpr std::size_t m_theLargestPlainScan = 256;
   /// Rounding of a point that was computed to lie on a facet, relative to the size of the facet.
@@ -380,11 +373,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   void clearVisitedMarks() const;
   void climb(ZuVector const& direction) const;
   void scan(ZuVector const& direction) const;
-  void prepareClimb() const;
-  void weldClimb(std::vector<unsigned int>& used) const;
-  IndexLists const& climbNeighbors() const;
-  bool isConnected(std::vector<unsigned int> const& used) const;
-  void climbFromBestStart(ZuVector const& direction) const;
+  ZuSupportTable const& supportTable() const;
   bool isAnyInside(std::initializer_list<ZuVector> points) const;
 
   void clearSupplements();
@@ -411,7 +400,7 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   mutable unsigned int m_NearPointID = 0;
   mutable std::vector<unsigned int> m_VisitStamps;  ///< a vertex is visited when its stamp is that of the query
   mutable unsigned int m_VisitStamp = 1;
-  mutable Climb m_Climb;
+  mutable std::shared_ptr<ZuSupportTable const> m_SupportTable;  ///< shared with copies
 
   mutable std::bitset<NUMBER_OF_DERIVED_STRUCTURES> m_Computed;
   /// Computed for places where points are no longer; of the lines the lengths.

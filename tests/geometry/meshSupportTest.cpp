@@ -1,4 +1,4 @@
-// Support points of meshes: the climb, its ties and messages, and the scan.
+// Support points of meshes: the climb, its ties and messages, the scan, and the table of the engine.
 #include "tests/allocationCounter.h"
 #include "tests/meshSamples.h"
 
@@ -111,7 +111,7 @@ TEST(MeshSupport, HullsOfRealMeshesAnswerTheFarthestVertex) {
   }
 }
 
-TEST(MeshSupport, TheEngineClimbsOverSeamsAndFacetsWithVerticesOfTheirOwnAndNothingAllocates) {
+TEST(MeshSupport, TheEngineSeesNoSeamsNorFacetsWithVerticesOfTheirOwnAndNothingAllocates) {
   TracedValues random(3);
   ZuXmlVectorVector ball;
   for (int i = 0; i < 100; ++i) ball.pushBack(random.direction());
@@ -147,6 +147,37 @@ TEST(MeshSupport, TheEngineClimbsOverSeamsAndFacetsWithVerticesOfTheirOwnAndNoth
     }
   }
   EXPECT_EQ(counter.count(), 0U);
+}
+
+TEST(MeshSupport, TheEngineFindsTheHighestPointOfAnySetInAnyDirection) {
+  TracedValues random(7);
+  ZuVector const x = random.direction(), y = x.cross(random.direction()).unitVector(), z = x.cross(y);
+  std::vector<ZuXmlVectorVector> sets;
+  auto const add = [&sets](int count, auto const& pointOf) {
+    sets.emplace_back();
+    for (int i = 0; i < count; ++i) sets.back().pushBack(pointOf(i));
+  };
+  for (int const count : {1, 3, 12, 13, 64, 1000}) add(count, [&](int) { return random.direction(); });
+  add(1000, [&](int) { return random.vector(); });
+  add(200, [&](int) { return random.direction() * 1e-3 + ZuVector(1e6, -1e6, 1e6); });
+  add(200, [&](int) { return random.direction() * 1e306; });
+  add(300, [&](int i) { return x * (i % 10) + y * (i / 10 % 10) + z * (i / 100); });                 // flat sides
+  add(300, [&](int i) { return x * std::sin(i / 2) + y * std::cos(i / 2) + z * (i % 2); });          // a prism
+  add(900, [&](int i) { return ZuVector(i % 3 * 1e-16, i / 3 % 30 * 1e-16, i == 0 ? 1.0 : 0.0); });  // near copies
+  for (ZuXmlVectorVector const& points : sets) {
+    ZuTriPhysicalExtent mesh;
+    mesh.setPoints(points);
+    mesh.setIsConvex(true);
+    double largest = 0.0;
+    for (ZuVector const& p : points) largest = std::max(largest, p.mag());
+    for (int i = 0; i < 1000; ++i) {
+      ZuVector d = random.direction();
+      if (i % 2 == 0) d = ZuVector(std::round(2.0 * d.x()), std::round(2.0 * d.y()), std::round(2.0 * d.z()));
+      if (i % 3 == 0) d = d + random.vector(1e-16);
+      double const rounding = 1e-15 * largest * d.mag();
+      ASSERT_GE(mesh.computeSupportPoint(d).dot(d), highest(points, d) - rounding) << points.size();
+    }
+  }
 }
 
 TEST(MeshSupport, NumbersOutOfAllBoundsEndTheClimb) {
