@@ -346,7 +346,7 @@ class Check {
     if (isProvenFromBelow(1.0L)) return;
     if (m_Answer.distance < 0.0) {
       fault(DEPTH, m_Answer.distance - m_Lower);
-    } else if (bounds().upper <= m_Answer.distance - m_Band || m_Answer.distance == 0.0) {
+    } else if (bounds().upper <= m_Answer.distance - m_Band || m_Answer.distance <= m_Band) {
       fault(m_Lower < -m_Band ? SIDE : DISTANCE, m_Answer.distance - std::min(bounds().upper, m_Lower));
     } else {
       fault(UNPROVEN, m_Answer.distance - m_Lower);
