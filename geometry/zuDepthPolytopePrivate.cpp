@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "geometry/zuExactSignsPrivate.h"
+#include "geometry/zuPreciseSimplexPrivate.h"
 
 namespace {
 
@@ -35,8 +36,7 @@ constexpr double theLongest = 1000.0;
 constexpr double theHalf = 0.7071067811865476;
 constexpr double theCircle[8][2] = {{1, 0},  {theHalf, theHalf},   {0, 1},  {-theHalf, theHalf},
                                     {-1, 0}, {-theHalf, -theHalf}, {0, -1}, {theHalf, -theHalf}};
-/// Facets with a sine below 1e-4 go as soon as a point may be in front of them: their normals are rough, and what is
-/// left around them would not be convex.
+/// Facets with a sine below 1e-4 get their normals in twice the digits.
 constexpr double theSlimRounding = theOrientationRounding * 1e4;
 /// How much wider than the gap of the bounds the nearest point may miss them.
 constexpr double theSlack = 4.0;
@@ -334,8 +334,8 @@ void ZuDepthPolytope::addPoint() {
 }
 
 /// The height of a point over the plane of a facet of edges e0, e1 is wrong by its noise and by c eps |e0| |e1| / |e0 x
-/// e1| of the size of the set, and |e0| |e1| <= (e0^2 + e1^2) / 2. A slim facet goes as soon as a point may be in front
-/// of it, a facet without an area, or with one that is no double, with any point.
+/// e1| of the size of the set, and |e0| |e1| <= (e0^2 + e1^2) / 2. Normals of slim facets are computed in twice
+/// the digits. A facet without an area, or with one that is no double, goes with any point.
 void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
   Facet& f = m_Facets[facet];
   ZuVector const &ya = m_Places[a], &yb = m_Places[b], &yc = m_Places[c];
@@ -351,11 +351,14 @@ void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
     return;
   }
   double const inverse = 1.0 / std::sqrt(square);
-  double const rounding = theOrientationRounding * 0.5 * (ab.magSquared() + ac.magSquared()) * inverse;
-  double const doubt = rounding * m_Size + m_Noise;
+  double rounding = theOrientationRounding * 0.5 * (ab.magSquared() + ac.magSquared()) * inverse;
   f.normal = normal * inverse;
+  if (!(rounding < theSlimRounding)) {
+    f.normal = ZuPreciseSimplex::unitNormal(ya, yb, yc);
+    rounding = theOrientationRounding;
+  }
   double const height = f.normal.dot(ya);
-  f.bound = height + (rounding < theSlimRounding ? doubt : -doubt);
+  f.bound = height + (rounding * m_Size + m_Noise);
   f.height = std::max(height, std::max(f.normal.dot(yb), f.normal.dot(yc)));
 }
 

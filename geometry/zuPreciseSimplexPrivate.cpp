@@ -91,3 +91,11 @@ bool ZuPreciseSimplex::take(ZuCorePoint const* points, int count) {
   }
   return isNearer;
 }
+
+ZuVector ZuPreciseSimplex::unitNormal(ZuVector const& a, ZuVector const& b, ZuVector const& c) {
+  Vector const normal = cross(wide(b) - wide(a), wide(c) - wide(a));
+  Wide const square = dot(normal, normal);
+  if (!(square.value() > 0.0)) return {};
+  Vector const unit = normal * (Wide(1.0) / square.sqrt());
+  return {unit.x.value(), unit.y.value(), unit.z.value()};
+}

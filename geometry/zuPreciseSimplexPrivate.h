@@ -27,6 +27,9 @@ class ZuPreciseSimplex {
   /// The points with their weights.
   void copyTo(ZuCoreSimplex& simplex) const { simplex.take(m_Points, m_Weights, m_Count); }
 
+  /// The unit normal of a triangle, right to rounding however slim it is; zero for corners on one line.
+  static ZuVector unitNormal(ZuVector const& a, ZuVector const& b, ZuVector const& c);
+
  private:
   bool take(ZuCorePoint const* points, int count);
 

@@ -163,8 +163,9 @@ class ZuRobustGJK::Iteration {
   ZuCorePoint& m_Result;
   ZuVector m_V, m_First;
   double m_Tolerance, m_Square = 0.0;
-  double m_Bound = 0.0;  ///< of the distance, from below
-  double m_Size = 0.0;   ///< of the set, as far as it was seen
+  /// Of the distance, from below; of sets that hold the origin it tells how deep.
+  double m_Bound = -std::numeric_limits<double>::infinity();
+  double m_Size = 0.0;  ///< of the set, as far as it was seen
   int m_Steps = 0;
   bool m_Overlaps = false;
 };
