@@ -308,27 +308,34 @@ void ZuDepthPolytope::makeTetrahedron() {
   static constexpr int theEdges[4][3] = {{2, 2, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 1}};
   for (int f = 0; f < 4; ++f) {
     int const facet = freeFacet();
-    setFacet(facet, theCorners[f][0], theCorners[f][1], theCorners[f][2]);
-    for (int k = 0; k < 3; ++k) m_Facets[f].across[k] = edgeOf(theNeighbors[f][k], theEdges[f][k]);
-    setHeight(facet);
+    m_New[f] = facet;
+    for (int k = 0; k < 3; ++k) {
+      m_Facets[facet].corner[k] = theCorners[f][k];
+      m_Facets[facet].across[k] = edgeOf(theNeighbors[f][k], theEdges[f][k]);
+    }
   }
+  setPlanes(m_New.data(), 4);
 }
 
 // Facets.
 
 void ZuDepthPolytope::addPoint(ZuCorePoint const& point) {
-  if (m_Points.empty()) m_Points.resize(theFirstPoints);
+  if (m_Points.empty()) resizePoints(theFirstPoints);
   m_Points[m_PointCount] = point;
   addPoint();
+}
+
+void ZuDepthPolytope::resizePoints(std::size_t count) {
+  m_Points.resize(count);
+  m_Places.resize(count);
+  m_Corners.resize(count);
 }
 
 /// The one behind the last.
 void ZuDepthPolytope::addPoint() {
   ZuVector const y = m_Points[m_PointCount++].y;
   auto const count = static_cast<std::size_t>(m_PointCount);
-  if (count == m_Points.size()) m_Points.resize(2 * count);
-  if (m_Places.size() < m_Points.size()) m_Places.resize(m_Points.size());
-  if (m_Corners.size() < m_Points.size()) m_Corners.resize(m_Points.size());
+  if (count == m_Points.size()) resizePoints(2 * count);
   m_Places[count - 1] = y;
   m_Size = std::max(m_Size, sumOfMagnitudes(y - m_Places[0]));
 }
@@ -336,30 +343,33 @@ void ZuDepthPolytope::addPoint() {
 /// The height of a point over the plane of a facet of edges e0, e1 is wrong by its noise and by c eps |e0| |e1| / |e0 x
 /// e1| of the size of the set, and |e0| |e1| <= (e0^2 + e1^2) / 2. Normals of slim facets are computed in twice
 /// the digits. A facet without an area, or with one that is no double, goes with any point.
-void ZuDepthPolytope::setFacet(int facet, int a, int b, int c) {
-  Facet& f = m_Facets[facet];
-  ZuVector const &ya = m_Places[a], &yb = m_Places[b], &yc = m_Places[c];
-  ZuVector const ab = yb - ya, ac = yc - ya, normal = ab.cross(ac);
-  double const square = normal.magSquared();
-  f.corner[0] = a;
-  f.corner[1] = b;
-  f.corner[2] = c;
-  if (!(square > 0.0 && square < theFarthest)) {
-    f.normal = ZuVector();
-    f.height = theFarthest;
-    f.bound = -theFarthest;
-    return;
+void ZuDepthPolytope::setPlanes(int const* facets, int count) {
+  ZuVector const* const places = m_Places.data();
+  double const size = m_Size, noise = m_Noise;
+  for (int i = 0; i < count; ++i) {
+    Facet& f = m_Facets[facets[i]];
+    ZuVector const ya = places[f.corner[0]], yb = places[f.corner[1]], yc = places[f.corner[2]];
+    ZuVector const ab = yb - ya, ac = yc - ya, normal = ab.cross(ac);
+    double const square = normal.magSquared();
+    if (square > 0.0 && square < theFarthest) {
+      double const inverse = 1.0 / std::sqrt(square);
+      double rounding = theOrientationRounding * 0.5 * (ab.magSquared() + ac.magSquared()) * inverse;
+      ZuVector unit = normal * inverse;
+      if (!(rounding < theSlimRounding)) {
+        unit = ZuPreciseSimplex::unitNormal(ya, yb, yc);
+        rounding = theOrientationRounding;
+      }
+      double const height = unit.dot(ya);
+      f.normal = unit;
+      f.bound = height + (rounding * size + noise);
+      f.height = std::max(height, std::max(unit.dot(yb), unit.dot(yc)));
+    } else {
+      f.normal = ZuVector();
+      f.height = theFarthest;
+      f.bound = -theFarthest;
+    }
+    setHeight(facets[i]);
   }
-  double const inverse = 1.0 / std::sqrt(square);
-  double rounding = theOrientationRounding * 0.5 * (ab.magSquared() + ac.magSquared()) * inverse;
-  f.normal = normal * inverse;
-  if (!(rounding < theSlimRounding)) {
-    f.normal = ZuPreciseSimplex::unitNormal(ya, yb, yc);
-    rounding = theOrientationRounding;
-  }
-  double const height = f.normal.dot(ya);
-  f.bound = height + (rounding * m_Size + m_Noise);
-  f.height = std::max(height, std::max(f.normal.dot(yb), f.normal.dot(yc)));
 }
 
 void ZuDepthPolytope::setHeight(int facet) {
@@ -383,8 +393,8 @@ int ZuDepthPolytope::freeFacet() {
     m_Heights.resize(m_Facets.size());
     m_BlockHeights.resize(m_Facets.size() / theBlock);
     m_Removed.resize(m_Facets.size());
+    m_New.resize(m_Facets.size());
     m_Horizon.resize(2 * m_Facets.size());
-    m_Ring.resize(2 * m_Facets.size());
   }
   if (count % theBlock == 0) {
     std::fill_n(m_Heights.begin() + m_FacetCount, theBlock, theFarthest);
@@ -500,37 +510,44 @@ bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet, bool isExact) {
 }
 
 /// Whether the edges of the horizon make one ring that does not meet the new point.
-bool ZuDepthPolytope::isOneLoop(ZuVector const& w) {
+bool ZuDepthPolytope::isOneLoop(ZuVector const& w) const {
+  HorizonEdge const* const horizon = m_Horizon.data();
+  Corner const* const corners = m_Corners.data();
+  int const stamp = m_Stamp, count = m_HorizonCount;
   int edge = 0, length = 0;
   do {
-    HorizonEdge const& ofHorizon = m_Horizon[edge];
-    Corner const& next = m_Corners[ofHorizon.to];
-    if (next.stamp != m_Stamp || m_Places[ofHorizon.from] == w) return false;
-    m_Ring[length++] = ofHorizon;
+    HorizonEdge const& ofHorizon = horizon[edge];
+    Corner const& next = corners[ofHorizon.to];
+    if (next.stamp != stamp || m_Places[ofHorizon.from] == w) return false;
     edge = next.edge;
-  } while (edge != 0 && length < m_HorizonCount);
-  return edge == 0 && length == m_HorizonCount;
+  } while (++length < count && edge != 0);
+  return edge == 0 && length == count;
 }
 
 /// Joins the edges of the ring to the newest point. The new facets take the places of those removed.
 void ZuDepthPolytope::closeHorizon() {
-  int const point = m_PointCount - 1, first = m_Removed[0];
-  int facet = first, previous = -1;
-  for (int i = 0; i < m_HorizonCount; ++i) {
-    HorizonEdge const edge = m_Ring[i];
-    int const next = i + 1 == m_HorizonCount ? first : i + 1 < m_RemovedCount ? m_Removed[i + 1] : freeFacet();
-    setFacet(facet, edge.from, edge.to, point);
-    setHeight(facet);
-    Facet& f = m_Facets[facet];
-    f.across[0] = edge.outside;
-    f.across[1] = edgeOf(next, 2);
+  int const count = m_HorizonCount, kept = std::min(count, m_RemovedCount), point = m_PointCount - 1;
+  for (int i = 0; i < kept; ++i) m_New[i] = m_Removed[i];
+  for (int i = kept; i < count; ++i) m_New[i] = freeFacet();
+  for (int i = kept; i < m_RemovedCount; ++i) m_Free.push_back(m_Removed[i]);
+  Facet* const facets = m_Facets.data();
+  int const* const added = m_New.data();
+  int previous = added[count - 1], edge = 0;
+  for (int i = 0; i < count; ++i) {
+    HorizonEdge const& ofHorizon = m_Horizon[edge];
+    int const facet = added[i];
+    Facet& f = facets[facet];
+    f.corner[0] = ofHorizon.from;
+    f.corner[1] = ofHorizon.to;
+    f.corner[2] = point;
+    f.across[0] = ofHorizon.outside;
     f.across[2] = edgeOf(previous, 1);
-    m_Facets[facetOf(edge.outside)].across[edge.outside % 4] = edgeOf(facet, 0);
+    facets[previous].across[1] = edgeOf(facet, 2);
+    facets[facetOf(ofHorizon.outside)].across[ofHorizon.outside % 4] = edgeOf(facet, 0);
     previous = facet;
-    facet = next;
+    edge = m_Corners[ofHorizon.to].edge;
   }
-  m_Facets[first].across[2] = edgeOf(previous, 1);
-  for (int i = m_HorizonCount; i < m_RemovedCount; ++i) m_Free.push_back(m_Removed[i]);
+  setPlanes(added, count);
 }
 
 // The answer.

@@ -32,7 +32,8 @@ class ZuDepthPolytope {
 
   /// @param simplex of a distance iteration that found the origin inside, at 1 to 4 points
   /// @param tolerance gap of the bounds at which the search ends, as a part of the size of the set
-  /// @param maxExpansions after so many, the search goes down from several upper bounds to minima, and ends at the least
+  /// @param maxExpansions after so many, the search goes down from several upper bounds to minima, and ends at the
+  /// least
   Outcome search(ZuCoreDifference& set, ZuCoreSimplex const& simplex, double tolerance, unsigned int maxExpansions,
                  Depth& depth);
 
@@ -80,9 +81,10 @@ class ZuDepthPolytope {
   void offer(ZuCoreDifference& set, ZuVector const& direction, ZuCorePoint& best, double& most) const;
   double independence(ZuVector const& y) const;
   void makeTetrahedron();
-  void setFacet(int facet, int a, int b, int c);
+  void setPlanes(int const* facets, int count);
   void clearHeight(int facet);
   void setHeight(int facet);
+  void resizePoints(std::size_t count);
   void addPoint();
   void addPoint(ZuCorePoint const& point);
   int freeFacet();
@@ -90,7 +92,7 @@ class ZuDepthPolytope {
   bool insert(int facet);
   bool isVisible(Facet const& facet, ZuVector const& w, bool isExact) const;
   bool findHorizon(ZuVector const& w, int facet, bool isExact);
-  bool isOneLoop(ZuVector const& w);
+  bool isOneLoop(ZuVector const& w) const;
   void restore();
   void closeHorizon();
   int facetAlong(ZuVector const& direction) const;
@@ -107,8 +109,8 @@ class ZuDepthPolytope {
   /// Of facets that may be nearest, the others are infinitely high; and of each block of them a height that none is
   /// below.
   std::vector<double> m_Heights, m_BlockHeights;
-  std::vector<HorizonEdge> m_Horizon, m_Ring;  ///< as found, and one after the other
-  std::vector<int> m_Removed, m_Free;
+  std::vector<HorizonEdge> m_Horizon;
+  std::vector<int> m_Removed, m_New, m_Free;  ///< facets
   int m_HorizonCount = 0, m_RemovedCount = 0;
   ZuVector m_Axis;  ///< of the first points: their line, then their plane
   ZuVector m_UpperNormal;
