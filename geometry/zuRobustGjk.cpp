@@ -88,8 +88,7 @@ class ZuRobustGJK::Iteration {
     }
     m_Result = m_Simplex.mean();
     if (!isCertified()) goOnPrecisely();
-    // The direction of a short mean is that of its rounding.
-    if ((m_Result.y - m_V).magSquared() <= theSlack * theSlack * noise() * noise()) m_Result.y = m_V;
+    if (m_Square < theShort * theShort * m_Set.extent() * m_Set.extent()) straighten();
     if (m_Overlaps) m_Result.y = ZuVector();
   }
   bool overlaps() const { return m_Overlaps; }
@@ -103,6 +102,7 @@ class ZuRobustGJK::Iteration {
       if (m_V == ZuVector()) m_V = ZuVector::xVector(1.0);
       m_Set.support(-m_V, first);
       m_Bound = m_V.dot(first.y);
+      m_Proven = m_V;
     }
     m_First = m_V = first.y;
     m_Simplex.take(first);
@@ -135,7 +135,11 @@ class ZuRobustGJK::Iteration {
   /// Whether the support point proves that nothing is nearer than v, of the given length.
   bool meetsBound(ZuCorePoint& w, double length) {
     m_Set.support(-m_V, w);
-    m_Bound = std::max(m_Bound, m_V.dot(w.y) / length);
+    double const bound = m_V.dot(w.y) / length;
+    if (bound > m_Bound) {
+      m_Bound = bound;
+      m_Proven = m_V;
+    }
     ZuVector const away = w.y - m_First;
     m_Size = std::max(m_Size, std::max(std::abs(away.x()), std::max(std::abs(away.y()), std::abs(away.z()))));
     return length - m_Bound <= band();
@@ -151,17 +155,26 @@ class ZuRobustGJK::Iteration {
     }
     simplex.copyTo(m_Simplex);
     m_Result = m_Simplex.mean();
+    m_Square = m_Result.y.magSquared();
+  }
+  /// A short mean has the direction of its rounding; that of the plane that proves its length is right.
+  void straighten() {
+    ZuVector const straight = m_Proven.unitVector() * m_Result.y.mag();
+    double const most = 2.0 * theSlack * band();
+    if (straight != ZuVector() && (straight - m_Result.y).magSquared() <= most * most) m_Result.y = straight;
   }
 
   /// From this step on the features are mostly those that will be nearest.
   static constexpr int theFirstSmoothStep = 2;
   /// How much wider than the band a gap may be that rounding leaves.
   static constexpr double theSlack = 4.0;
+  /// Means longer than this part of the largest numbers have a direction, to 1e-9.
+  static constexpr double theShort = 1e-6;
 
   ZuCoreDifference& m_Set;
   ZuCoreSimplex m_Simplex;
   ZuCorePoint& m_Result;
-  ZuVector m_V, m_First;
+  ZuVector m_V, m_First, m_Proven;
   double m_Tolerance, m_Square = 0.0;
   /// Of the distance, from below; of sets that hold the origin it tells how deep.
   double m_Bound = -std::numeric_limits<double>::infinity();
@@ -270,11 +283,13 @@ bool ZuRobustGJK::findDepth(ZuCoreDifference& set, ZuCoreSimplex const& simplex,
   return set.isInRange();
 }
 
-/// Of cores that are boxes, flat or not, in closed form; false for others.
+/// Of cores that are boxes, flat or not, in closed form; false for others, and for those that just don't touch.
 bool ZuRobustGJK::findBoxDepth(ZuCoreDifference const& set, Answer& answer) const {
   ZuPlainBox box1, box2;
   if (!set.areBoxes(box1, box2)) return false;
   ZuSeparation const found = ZuBoxPair(box1, box2).separation();
+  // As short as rounding, it has no direction.
+  if (found.distance > 0.0 && found.distance <= theRounding * set.extent()) return false;
   answer.normal = -found.direction;
   answer.point = {answer.normal * found.distance, found.point1, set.inCore2(found.point2)};
   answer.distance = found.distance - (set.radius1() + set.radius2());

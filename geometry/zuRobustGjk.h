@@ -33,12 +33,11 @@ class ZuDepthPolytope;
 /// 7. Flat, thin, needle-like, single-point and identical shapes are legal. A pair whose difference set is flat (two
 ///    plates in one plane) has depth 0.
 ///
-/// They rest on support points that are right to rounding. Measured exceptions: of cones that graze one in ten thousand
-/// is off by 1e-8 sizes. Solids a million times as long as thick may be off by a part of 1e-6 of the length, and then
-/// on the wrong side of contact. Solids that are as deep all around, as two coaxial cylinders, have proven
-/// depths; of those that are as deep in all directions of a solid angle, as nearly round ellipsoids about one centre,
-/// the depth is the least of several local minima, found by descents: right to the band in all of 5768 pairs, of
-/// both kinds, that were compared with dense samples, but proven to 2e-3 sizes only. depthGap() tells what was proven.
+/// They rest on support points that are right to rounding. Measured exceptions: solids that are as deep all around, as
+/// two coaxial cylinders, have proven depths; of those that are as deep in all directions of a solid angle, as nearly
+/// round ellipsoids about one centre, the depth is the least of several local minima, found by descents: right to the
+/// band in all of 5768 pairs, of both kinds, that were compared with dense samples, but proven to 2e-3 sizes only.
+/// depthGap() tells what was proven.
 ///
 /// **The steps** of ZuGJK are not part of this iteration; overriding them changes nothing. It keeps no simplex:
 /// `reset()`, `saveCache()` and the dumps see that of the base class, which stays empty.

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <limits>
 #include <memory>
 
 #include "foundation/zuPrint.h"
@@ -92,8 +93,12 @@ Solid readHull(Numbers& numbers, unsigned int kind) {
 
 Solid readSolid(Numbers& numbers, unsigned int kind) {
   Solid solid;
-  ZuVector const numbersOfSize = numbers.vector(kind);
-  double const x = std::abs(numbersOfSize.x()), y = std::abs(numbersOfSize.y()), z = std::abs(numbersOfSize.z());
+  // Curved solids have no support points for a direction where the square of a size is no double.
+  auto const side = [&numbers, kind] {
+    double const length = std::abs(numbers.real(kind));
+    return length < 1e-100 ? 0.0 : length;
+  };
+  double const x = side(), y = side(), z = side();
   ZuLineSegment const axis(ZuVector(0.0, 0.0, -z), ZuVector(0.0, 0.0, z));
   unsigned int const form = numbers.byte() % 5;
   if (form == 0) solid.shape = std::make_unique<ZuBox>(Pose(), ZuVector(x, y, z));
@@ -116,14 +121,12 @@ double excess(ZuShape const& shape, ZuVector const& point, ZuVector const& v) {
   return most;
 }
 
-/// The plane across the separation has the shapes on its two sides, which proves the distance from below. `tilt` is how
-/// far the ends of the solids are moved by the rounding of a direction of unit length.
-void requireProven(ZuShape const& a, ZuShape const& b, Pose const& T1, Pose const& T2, Answer const& answer,
-                   double band, double tilt) {
-  ZuVector const n = -answer.separation.unitVector();
-  ZuVector const p = T1 * a.computeSupportPoint(T1.orientation().inverseTimes(n));
-  ZuVector const q = T2 * b.computeSupportPoint(T2.orientation().inverseTimes(-n));
-  require(std::abs(n.dot(p - q) + answer.distance) <= band + tilt / answer.separation.mag());
+/// What the plane across the separation proves of the distance from below: the gap that it has between the solids.
+double provenDistance(ZuShape const& a, ZuShape const& b, Pose const& T1, Pose const& T2, ZuVector const& separation) {
+  ZuVector const n = separation.unitVector();
+  ZuVector const p = T1 * a.computeSupportPoint(T1.orientation().inverseTimes(-n));
+  ZuVector const q = T2 * b.computeSupportPoint(T2.orientation().inverseTimes(n));
+  return n.dot(p - q);
 }
 
 void requireGuarantees(ZuRobustGJK& engine, Solid const& solid1, Solid const& solid2, Pose const& T1, Pose const& T2,
@@ -145,19 +148,25 @@ void requireGuarantees(ZuRobustGJK& engine, Solid const& solid1, Solid const& so
   require(std::abs(bare.distance - std::max(answer.distance, 0.0)) <= band);
   bool const isCurved = solid1.isCurved || solid2.isCurved, isDepth = answer.distance <= band;
   double const bandOfDepth = isDepth ? (isCurved ? 1e-6 : 1e-7) * size + rounding : band;
+  Answer const warm = ask(engine, a, b, T1, T2, answer.separation, true);
+  gap = std::max(gap, engine.depthGap());
+  Answer const swapped = ask(engine, b, a, T2, T1, ZuVector(), true);
+  gap = std::max(gap, engine.depthGap());
+  for (Answer const* other : {&warm, &swapped}) {
+    require(std::abs(other->distance - answer.distance) <= bandOfDepth + (isDepth ? gap : 0.0));
+  }
   if (isDepth) {  // moved along it, the solids touch
     Pose const moved(T2.translation() + answer.separation, T2.orientation());
     Answer const touching = ask(engine, a, b, T1, moved, ZuVector(), true);
     require(std::abs(touching.distance) <= bandOfDepth + gap + engine.depthGap());
-  } else {
-    requireProven(a, b, T1, T2, answer, band, rounding * size);
+    return;
   }
-  for (bool const isSwapped : {false, true}) {
-    Answer const other =
-        isSwapped ? ask(engine, b, a, T2, T1, ZuVector(), true) : ask(engine, a, b, T1, T2, answer.separation, true);
-    gap = std::max(gap, engine.depthGap());
-    require(std::abs(other.distance - answer.distance) <= bandOfDepth + (isDepth ? gap : 0.0));
+  double proven = -std::numeric_limits<double>::infinity();
+  for (ZuVector const& v : {answer.separation, warm.separation, -swapped.separation}) {
+    proven = std::max(proven, provenDistance(a, b, T1, T2, v));
   }
+  // The rounding of a separation turns its plane, the more the shorter it is.
+  require(answer.distance - proven <= band + rounding * size / answer.distance);
 }
 
 }  // namespace
