@@ -1,7 +1,6 @@
 // Boxes against boxes, balls and capsules that are apart, through the shape interface; peers on the same pairs.
 //   zuBench --benchmark_filter='(box|sphere|capsule)Box' --benchmark_enable_random_interleaving=true
-#include <benchmark/benchmark.h>
-
+#include "bench/overPoses.h"
 #include "foundation/zuManipulatorSystem.h"
 #include "geometry/zuBox.h"
 #include "geometry/zuCapsule.h"
@@ -10,19 +9,6 @@
 #include "geometry/zuSystemShapeProximityState.h"
 #include "tests/randomValues.h"
 #ifdef ZU_BENCH_PEERS
-#include <BulletCollision/CollisionShapes/btBoxShape.h>
-#include <BulletCollision/CollisionShapes/btCapsuleShape.h>
-#include <BulletCollision/CollisionShapes/btSphereShape.h>
-#include <BulletCollision/NarrowPhaseCollision/btGjkEpaPenetrationDepthSolver.h>
-#include <BulletCollision/NarrowPhaseCollision/btGjkPairDetector.h>
-#include <BulletCollision/NarrowPhaseCollision/btPointCollector.h>
-#include <BulletCollision/NarrowPhaseCollision/btVoronoiSimplexSolver.h>
-#include <fcl/geometry/shape/box.h>
-#include <fcl/geometry/shape/capsule.h>
-#include <fcl/geometry/shape/sphere.h>
-#include <fcl/narrowphase/detail/gjk_solver_indep.h>
-#include <fcl/narrowphase/detail/gjk_solver_libccd.h>
-
 #include "bench/peers.h"
 #endif
 
@@ -64,15 +50,6 @@ struct Scene {
   ZuSystemShapeProximityState state;
 };
 
-template <class Query>
-void overPoses(benchmark::State& state, std::size_t count, Query const& query) {
-  std::size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(query(i));
-    i = i + 1 < count ? i + 1 : 0;
-  }
-}
-
 void distance(benchmark::State& state, ZuShape const& shape2) {
   Scene scene(shape2);
   ZuShape const* const shape1 = &theBox1;
@@ -99,57 +76,18 @@ BENCHMARK_CAPTURE(witnessPoints, capsuleBox, theCapsule);
 
 #ifdef ZU_BENCH_PEERS
 
-fcl::Boxd fclBox(ZuBox const& box) { return {2 * box.extent(0), 2 * box.extent(1), 2 * box.extent(2)}; }
-
-template <class Solver, class Solid>
-void fclDistance(benchmark::State& state, ZuShape const& shape2, Solid const& solid2) {
-  std::vector<fcl::Transform3d> poses;
-  for (Pose const& pose : Scene(shape2).poses) poses.push_back(fclPose(pose));
-  fcl::Boxd const box = fclBox(theBox1);
-  Solver const solver;
-  overPoses(state, theNumberOfPairs, [&](std::size_t i) {
-    double d = 0.0;
-    fcl::Vector3d p1, p2;
-    solver.shapeDistance(box, fcl::Transform3d::Identity(), solid2, poses[i], &d, &p1, &p2);
-    return d;
-  });
+template <class Shape2>
+void fclIndep(benchmark::State& state, Shape2 const& shape2) {
+  fclDistances<FclIndep>(state, fclSolid(theBox1), fclSolid(shape2), Scene(shape2).poses);
 }
-
-void bulletDistance(benchmark::State& state, ZuShape const& shape2, btConvexShape&& solid2) {
-  std::vector<btTransform> poses;
-  for (Pose const& pose : Scene(shape2).poses) poses.push_back(bulletPose(pose));
-  btBoxShape box(btVector3(theBox1.extent(0), theBox1.extent(1), theBox1.extent(2)));
-  btVoronoiSimplexSolver simplex;
-  btGjkEpaPenetrationDepthSolver depth;
-  overPoses(state, theNumberOfPairs, [&](std::size_t i) {
-    btGjkPairDetector detector(&box, &solid2, &simplex, &depth);
-    btGjkPairDetector::ClosestPointInput input;
-    input.m_transformA.setIdentity();
-    input.m_transformB = poses[i];
-    btPointCollector result;
-    detector.getClosestPoints(input, result, nullptr);
-    return static_cast<double>(result.m_distance);
-  });
+template <class Shape2>
+void fclLibccd(benchmark::State& state, Shape2 const& shape2) {
+  fclDistances<FclLibccd>(state, fclSolid(theBox1), fclSolid(shape2), Scene(shape2).poses);
 }
-
-using Indep = fcl::detail::GJKSolver_indepd;
-using Libccd = fcl::detail::GJKSolver_libccdd;
-
-void fclIndep(benchmark::State& s, ZuBox const& b) { fclDistance<Indep>(s, b, fclBox(b)); }
-void fclIndep(benchmark::State& s, ZuSphere const& b) { fclDistance<Indep>(s, b, fcl::Sphered(theRadius)); }
-void fclIndep(benchmark::State& s, ZuCapsule const& b) {
-  fclDistance<Indep>(s, b, fcl::Capsuled(theRadius, theLength));
+template <class Shape2>
+void bullet(benchmark::State& state, Shape2 const& shape2) {
+  bulletDistances(state, bulletSolid(theBox1), bulletSolid(shape2), Scene(shape2).poses);
 }
-void fclLibccd(benchmark::State& s, ZuBox const& b) { fclDistance<Libccd>(s, b, fclBox(b)); }
-void fclLibccd(benchmark::State& s, ZuSphere const& b) { fclDistance<Libccd>(s, b, fcl::Sphered(theRadius)); }
-void fclLibccd(benchmark::State& s, ZuCapsule const& b) {
-  fclDistance<Libccd>(s, b, fcl::Capsuled(theRadius, theLength));
-}
-void bullet(benchmark::State& s, ZuBox const& b) {
-  bulletDistance(s, b, btBoxShape(btVector3(b.extent(0), b.extent(1), b.extent(2))));
-}
-void bullet(benchmark::State& s, ZuSphere const& b) { bulletDistance(s, b, btSphereShape(theRadius)); }
-void bullet(benchmark::State& s, ZuCapsule const& b) { bulletDistance(s, b, btCapsuleShapeZ(theRadius, theLength)); }
 
 #define ZU_BENCH_PEER(peer)                    \
   BENCHMARK_CAPTURE(peer, boxBox, theBox2);    \

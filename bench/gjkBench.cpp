@@ -2,11 +2,10 @@
 // on the same solids and poses. The argument is the number of vertices; 1 is a pair of boxes, 2 a cylinder and a box.
 // For medians of interleaved runs:
 //   zuBench --benchmark_filter=Gjk --benchmark_enable_random_interleaving=true --benchmark_repetitions=9
-#include <benchmark/benchmark.h>
-
 #include <map>
 #include <memory>
 
+#include "bench/overPoses.h"
 #include "geometry/zuBox.h"
 #include "geometry/zuConvexHull.h"
 #include "geometry/zuCylinder.h"
@@ -14,18 +13,8 @@
 #include "geometry/zuTriPhysicalExtent.h"
 #include "tests/hullShape.h"
 #ifdef ZU_BENCH_PEERS
-#include <BulletCollision/CollisionShapes/btBoxShape.h>
 #include <BulletCollision/CollisionShapes/btConvexHullShape.h>
-#include <BulletCollision/CollisionShapes/btCylinderShape.h>
-#include <BulletCollision/NarrowPhaseCollision/btGjkEpaPenetrationDepthSolver.h>
-#include <BulletCollision/NarrowPhaseCollision/btGjkPairDetector.h>
-#include <BulletCollision/NarrowPhaseCollision/btPointCollector.h>
-#include <BulletCollision/NarrowPhaseCollision/btVoronoiSimplexSolver.h>
-#include <fcl/geometry/shape/box.h>
 #include <fcl/geometry/shape/convex.h>
-#include <fcl/geometry/shape/cylinder.h>
-#include <fcl/narrowphase/detail/gjk_solver_indep.h>
-#include <fcl/narrowphase/detail/gjk_solver_libccd.h>
 
 #include "bench/peers.h"
 #endif
@@ -108,15 +97,8 @@ Scene const& scene(Kind kind, unsigned int vertices) {
   return *entry;
 }
 
-/// Runs `query(scene, i)` over the poses of the scene.
-template <class Query>
-void overPoses(benchmark::State& state, Kind kind, Query const& query) {
-  Scene const& s = scene(kind, static_cast<unsigned int>(state.range(0)));
-  unsigned int i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(query(s, i));
-    i = i + 1 < theNumberOfPoses ? i + 1 : 0;
-  }
+Scene const& scene(benchmark::State const& state, Kind kind) {
+  return scene(kind, static_cast<unsigned int>(state.range(0)));
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {
@@ -125,9 +107,10 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
 
 template <class Engine>
 void engine(benchmark::State& state, Kind kind) {
+  Scene const& s = scene(state, kind);
   Engine engine;
   ZuVector separation;
-  overPoses(state, kind, [&](Scene const& s, unsigned int i) {
+  overPoses(state, theNumberOfPoses, [&](std::size_t i) {
     ZuVector witness1, witness2;
     double distance = 0.0;
     if (kind != WARM) separation = ZuVector();
@@ -158,9 +141,9 @@ std::unique_ptr<fcl::Convexd> fclHull(HullShape const& hull) {
 template <class Solid>
 std::unique_ptr<Solid> fclSolid(Body const& body) {
   if constexpr (std::is_same_v<Solid, fcl::Boxd>) {
-    return std::make_unique<Solid>(body.size.x(), body.size.y(), body.size.z());
+    return std::make_unique<Solid>(fclSolid(static_cast<ZuBox const&>(*body.shape)));
   } else if constexpr (std::is_same_v<Solid, fcl::Cylinderd>) {
-    return std::make_unique<Solid>(0.5 * body.size.x(), body.size.z());
+    return std::make_unique<Solid>(fclSolid(static_cast<ZuCylinder const&>(*body.shape)));
   } else {
     return fclHull(body.hull);
   }
@@ -168,27 +151,18 @@ std::unique_ptr<Solid> fclSolid(Body const& body) {
 
 template <class Solver, class Solid1, class Solid2>
 void fclPairs(benchmark::State& state, Kind kind) {
-  Scene const& s = scene(kind, static_cast<unsigned int>(state.range(0)));
+  Scene const& s = scene(state, kind);
   std::vector<std::unique_ptr<Solid1>> solids1;
   std::vector<std::unique_ptr<Solid2>> solids2;
   for (Body const& body : s.bodies1) solids1.push_back(fclSolid<Solid1>(body));
   for (Body const& body : s.bodies2) solids2.push_back(fclSolid<Solid2>(body));
-  std::vector<fcl::Transform3d> poses;
-  for (Pose const& pose : s.poses) poses.push_back(fclPose(pose));
+  std::vector<fcl::Transform3d> const poses = fclPoses(s.poses);
   Solver solver;
   solver.enableCachedGuess(kind == WARM);
-  overPoses(state, kind, [&](Scene const&, unsigned int i) {
+  overPoses(state, theNumberOfPoses, [&](std::size_t i) {
     Solid1 const& a = *solids1[s.first[i]];
     Solid2 const& b = *solids2[s.second[i]];
-    fcl::Vector3d p1, p2;
-    double distance = 0.0;
-    if (kind == DEPTH) {
-      std::vector<fcl::ContactPointd> contacts;
-      solver.shapeIntersect(a, fcl::Transform3d::Identity(), b, poses[i], &contacts);
-      return contacts.empty() ? 0.0 : contacts[0].penetration_depth;
-    }
-    solver.shapeDistance(a, fcl::Transform3d::Identity(), b, poses[i], &distance, &p1, &p2);
-    return distance;
+    return kind == DEPTH ? fclDepth(solver, a, b, poses[i]) : fclDistance(solver, a, b, poses[i]);
   });
 }
 
@@ -203,47 +177,28 @@ void fclGjk(benchmark::State& state, Kind kind) {
   }
 }
 
-void fclIndepGjk(benchmark::State& state, Kind kind) { fclGjk<fcl::detail::GJKSolver_indepd>(state, kind); }
+void fclIndepGjk(benchmark::State& state, Kind kind) { fclGjk<FclIndep>(state, kind); }
 
-void fclLibccdGjk(benchmark::State& state, Kind kind) { fclGjk<fcl::detail::GJKSolver_libccdd>(state, kind); }
+void fclLibccdGjk(benchmark::State& state, Kind kind) { fclGjk<FclLibccd>(state, kind); }
 
-std::unique_ptr<btConvexShape> bulletShape(Body const& body) {
-  btVector3 const half(0.5 * body.size.x(), 0.5 * body.size.y(), 0.5 * body.size.z());
-  std::unique_ptr<btConvexShape> shape;
-  if (body.form == Body::BOX) {
-    shape = std::make_unique<btBoxShape>(half);
-  } else if (body.form == Body::CYLINDER) {
-    shape = std::make_unique<btCylinderShapeZ>(half);
-  } else {
-    auto hull = std::make_unique<btConvexHullShape>();
-    for (ZuVector const& v : body.hull.vertices()) hull->addPoint(btVector3(v.x(), v.y(), v.z()), false);
-    hull->recalcLocalAabb();
-    shape = std::move(hull);
-  }
-  shape->setMargin(0.0);
-  return shape;
+BulletSolid bulletSolid(Body const& body) {
+  if (body.form == Body::BOX) return withoutMargin(bulletSolid(static_cast<ZuBox const&>(*body.shape)));
+  if (body.form == Body::CYLINDER) return withoutMargin(bulletSolid(static_cast<ZuCylinder const&>(*body.shape)));
+  auto hull = std::make_unique<btConvexHullShape>();
+  for (ZuVector const& v : body.hull.vertices()) hull->addPoint(btVector3(v.x(), v.y(), v.z()), false);
+  hull->recalcLocalAabb();
+  return withoutMargin(std::move(hull));
 }
 
 void bulletGjk(benchmark::State& state, Kind kind) {
-  Scene const& s = scene(kind, static_cast<unsigned int>(state.range(0)));
-  std::vector<std::unique_ptr<btConvexShape>> shapes1, shapes2;
-  for (Body const& body : s.bodies1) shapes1.push_back(bulletShape(body));
-  for (Body const& body : s.bodies2) shapes2.push_back(bulletShape(body));
-  std::vector<btTransform> poses;
-  for (Pose const& pose : s.poses) poses.push_back(bulletPose(pose));
-  btVoronoiSimplexSolver simplex;
-  btGjkEpaPenetrationDepthSolver depth;
-  btVector3 axis(0.0, 1.0, 0.0);
-  overPoses(state, kind, [&](Scene const&, unsigned int i) {
-    btGjkPairDetector detector(shapes1[s.first[i]].get(), shapes2[s.second[i]].get(), &simplex, &depth);
-    if (kind == WARM) detector.setCachedSeparatingAxis(axis);
-    btGjkPairDetector::ClosestPointInput input;
-    input.m_transformA.setIdentity();
-    input.m_transformB = poses[i];
-    btPointCollector result;
-    detector.getClosestPoints(input, result, nullptr);
-    axis = detector.getCachedSeparatingAxis();
-    return static_cast<double>(result.m_distance);
+  Scene const& s = scene(state, kind);
+  std::vector<BulletSolid> solids1, solids2;
+  for (Body const& body : s.bodies1) solids1.push_back(bulletSolid(body));
+  for (Body const& body : s.bodies2) solids2.push_back(bulletSolid(body));
+  std::vector<btTransform> const poses = bulletPoses(s.poses);
+  BulletQuery query;
+  overPoses(state, theNumberOfPoses, [&](std::size_t i) {
+    return query.distance(*solids1[s.first[i]], *solids2[s.second[i]], poses[i], kind == WARM);
   });
 }
 

@@ -1,12 +1,11 @@
 // Distance and nearest points of two solids through the shape interface, and of the peers on the same solids and poses.
 // For medians of interleaved runs:
 //   zuBench --benchmark_filter=solids --benchmark_enable_random_interleaving=true --benchmark_repetitions=9
-#include <benchmark/benchmark.h>
-
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "bench/overPoses.h"
 #include "foundation/zuManipulatorSystem.h"
 #include "foundation/zuPrint.h"
 #include "geometry/zuBox.h"
@@ -24,23 +23,6 @@
 #include "geometry/zuTriPhysicalExtent.h"
 #include "tests/randomValues.h"
 #ifdef ZU_BENCH_PEERS
-#include <BulletCollision/CollisionShapes/btBoxShape.h>
-#include <BulletCollision/CollisionShapes/btCapsuleShape.h>
-#include <BulletCollision/CollisionShapes/btConeShape.h>
-#include <BulletCollision/CollisionShapes/btCylinderShape.h>
-#include <BulletCollision/CollisionShapes/btSphereShape.h>
-#include <BulletCollision/NarrowPhaseCollision/btGjkEpaPenetrationDepthSolver.h>
-#include <BulletCollision/NarrowPhaseCollision/btGjkPairDetector.h>
-#include <BulletCollision/NarrowPhaseCollision/btPointCollector.h>
-#include <BulletCollision/NarrowPhaseCollision/btVoronoiSimplexSolver.h>
-#include <fcl/geometry/shape/box.h>
-#include <fcl/geometry/shape/capsule.h>
-#include <fcl/geometry/shape/cone.h>
-#include <fcl/geometry/shape/cylinder.h>
-#include <fcl/geometry/shape/sphere.h>
-#include <fcl/narrowphase/detail/gjk_solver_indep.h>
-#include <fcl/narrowphase/detail/gjk_solver_libccd.h>
-
 #include "bench/peers.h"
 #endif
 
@@ -115,76 +97,22 @@ void zuCylinderClosed(benchmark::State& state) {
   for (std::size_t i = 0; i < thePoses; ++i) others[i].transformBy(poses()[i]);
   ZuSystemShapeProximityState memory;
   ZuShape const& asClientsHoldIt = cylinder;
-  std::size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(asClientsHoldIt.distanceTo(others[i], Pose(), ZuShapeProximityDescriptor(), memory));
-    i = (i + 1) % thePoses;
-  }
+  overPoses(state, thePoses, [&](std::size_t i) {
+    return asClientsHoldIt.distanceTo(others[i], Pose(), ZuShapeProximityDescriptor(), memory);
+  });
 }
 
 #ifdef ZU_BENCH_PEERS
 
-fcl::Sphered fclSolid(ZuSphere const&) { return fcl::Sphered(theRadius); }
-fcl::Capsuled fclSolid(ZuCapsule const&) { return fcl::Capsuled(theRadius, 2.0 * theHalf); }
-fcl::Cylinderd fclSolid(ZuCylinder const&) { return fcl::Cylinderd(theRadius, 2.0 * theHalf); }
-fcl::Coned fclSolid(ZuCone const&) { return fcl::Coned(theRadius, 2.0 * theHalf); }
-fcl::Boxd fclSolid(ZuBox const&) { return fcl::Boxd(0.8, 1.2, 2.0 * theHalf); }
-
-using BulletSolid = std::unique_ptr<btConvexShape>;
-BulletSolid bulletSolid(ZuSphere const&) { return std::make_unique<btSphereShape>(theRadius); }
-BulletSolid bulletSolid(ZuCapsule const&) { return std::make_unique<btCapsuleShapeZ>(theRadius, 2.0 * theHalf); }
-BulletSolid bulletSolid(ZuCylinder const&) {
-  auto solid = std::make_unique<btCylinderShapeZ>(btVector3(theRadius, theRadius, theHalf));
-  solid->setMargin(0.0);
-  return solid;
-}
-BulletSolid bulletSolid(ZuCone const&) {
-  auto solid = std::make_unique<btConeShapeZ>(theRadius, 2.0 * theHalf);
-  solid->setMargin(0.0);
-  return solid;
-}
-BulletSolid bulletSolid(ZuBox const&) {
-  auto solid = std::make_unique<btBoxShape>(btVector3(0.4, 0.6, theHalf));
-  solid->setMargin(0.0);
-  return solid;
-}
-
 template <class Solver, class First, class Second>
-void fclDistance(benchmark::State& state) {
-  auto const first = fclSolid(make<First>());
-  auto const second = fclSolid(make<Second>());
-  std::vector<fcl::Transform3d> places;
-  for (Pose const& pose : poses()) places.push_back(fclPose(pose));
-  Solver solver;
-  fcl::Vector3d p1, p2;
-  std::size_t i = 0;
-  for (auto _ : state) {
-    double distance = 0.0;
-    solver.shapeDistance(first, fcl::Transform3d::Identity(), second, places[i], &distance, &p1, &p2);
-    benchmark::DoNotOptimize(distance);
-    i = (i + 1) % thePoses;
-  }
+void fclPair(benchmark::State& state) {
+  fclDistances<Solver>(state, fclSolid(make<First>()), fclSolid(make<Second>()), poses());
 }
 
 template <class First, class Second>
-void bulletDistance(benchmark::State& state) {
-  BulletSolid const first = bulletSolid(make<First>());
-  BulletSolid const second = bulletSolid(make<Second>());
-  std::vector<btTransform> places;
-  for (Pose const& pose : poses()) places.push_back(bulletPose(pose));
-  btVoronoiSimplexSolver simplex;
-  btGjkEpaPenetrationDepthSolver depth;
-  std::size_t i = 0;
-  for (auto _ : state) {
-    btGjkPairDetector detector(first.get(), second.get(), &simplex, &depth);
-    btGjkPairDetector::ClosestPointInput input;
-    input.m_transformA.setIdentity();
-    input.m_transformB = places[i];
-    btPointCollector result;
-    detector.getClosestPoints(input, result, nullptr);
-    benchmark::DoNotOptimize(result.m_distance);
-    i = (i + 1) % thePoses;
-  }
+void bulletPair(benchmark::State& state) {
+  bulletDistances(state, withoutMargin(bulletSolid(make<First>())), withoutMargin(bulletSolid(make<Second>())),
+                  poses());
 }
 
 #endif
@@ -192,11 +120,9 @@ void bulletDistance(benchmark::State& state) {
 template <class First, class Second>
 void peers([[maybe_unused]] std::string const& name) {
 #ifdef ZU_BENCH_PEERS
-  using Indep = fcl::detail::GJKSolver_indepd;
-  using Libccd = fcl::detail::GJKSolver_libccdd;
-  benchmark::RegisterBenchmark((name + "/fclIndep").c_str(), fclDistance<Indep, First, Second>);
-  benchmark::RegisterBenchmark((name + "/fclLibccd").c_str(), fclDistance<Libccd, First, Second>);
-  benchmark::RegisterBenchmark((name + "/bullet").c_str(), bulletDistance<First, Second>);
+  benchmark::RegisterBenchmark((name + "/fclIndep").c_str(), fclPair<FclIndep, First, Second>);
+  benchmark::RegisterBenchmark((name + "/fclLibccd").c_str(), fclPair<FclLibccd, First, Second>);
+  benchmark::RegisterBenchmark((name + "/bullet").c_str(), bulletPair<First, Second>);
 #endif
 }
 
@@ -240,11 +166,8 @@ void pairDistance(benchmark::State& state, ZuShape const& first, ZuShape const& 
   asked->setGjkEngine(ZuRobustGJK());
   ZuSystemShapeProximityState memory;
   memory.setIsInitialized(true);
-  std::size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(asked->distanceTo(second, poses()[i], ZuShapeProximityDescriptor(), memory));
-    i = (i + 1) % thePoses;
-  }
+  overPoses(state, thePoses,
+            [&](std::size_t i) { return asked->distanceTo(second, poses()[i], ZuShapeProximityDescriptor(), memory); });
 }
 
 void registerAllPairs() {
