@@ -61,17 +61,20 @@ class ZuSupportTable {
   unsigned int farthestOfFour(ZuVector const& direction, Cell const& cell, double& height) const {
     double const a = m_Points[cell[0]].dot(direction), b = m_Points[cell[1]].dot(direction);
     double const c = m_Points[cell[2]].dot(direction), d = m_Points[cell[3]].dot(direction);
-    unsigned int const ab = b > a ? cell[1] : cell[0], cd = d > c ? cell[3] : cell[2];
     double const highestOfAb = std::max(a, b), highestOfCd = std::max(c, d);
     height = std::max(highestOfAb, highestOfCd);
-    return highestOfCd > highestOfAb ? cd : ab;
+    unsigned int const ofAb = isLess(a, b), ofCd = 2 + isLess(c, d);
+    return cell[ofAb + (ofCd - ofAb) * isLess(highestOfAb, highestOfCd)];
   }
+  /// 1 or 0, by a sign and not by a comparison: compilers make branches of those, and half of the guesses at them are
+  /// wrong.
+  static unsigned int isLess(double a, double b) { return static_cast<unsigned int>(std::signbit(a - b)); }
   unsigned int farthestOfList(ZuVector const& direction, std::size_t first, unsigned int count) const {
     double best = 0.0, height = 0.0;
     unsigned int farthest = farthestOfFour(direction, m_Cells[first], best);
     for (std::size_t i = first + 1; i < first + count; ++i) {
       unsigned int const place = farthestOfFour(direction, m_Cells[i], height);
-      farthest = height > best ? place : farthest;
+      farthest += (place - farthest) * isLess(best, height);
       best = std::max(best, height);
     }
     return farthest;
