@@ -21,9 +21,10 @@ constexpr double theFlatness = 1e-13;
 constexpr unsigned int theLocalExpansions = 512;
 /// Expansions from which on wider gaps will do; see patience(). Polytopes hardly ever take as many.
 constexpr unsigned int theFineExpansions = 256, theCoarseExpansions = 1024, theLastExpansions = 2048;
-/// Gaps that are wider than this part of the size after the last of these will not close in twice as many: a circle of
-/// directions has a gap that falls with the square of their number, to 1e-6 then, a sphere with the number, to 1e-3.
-constexpr double theHopeless = 1e-5;
+/// Gaps of curved solids that are wider than this part of the size after the last of these will not close soon: a
+/// circle of directions has a gap that falls with the square of their number, to 1e-6 then, a sphere with the number,
+/// to 1e-3.
+constexpr double theHopeless = 4e-6;
 /// Directions that descents may start from, how many of them do, and the cosine up to which they are apart.
 constexpr int theSamples = 64, theDescents = 8;
 constexpr double theApart = 0.95;
@@ -87,6 +88,7 @@ ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSi
                                                  unsigned int maxExpansions, Depth& depth) {
   m_Expansions = 0;
   m_Noise = theSupportRounding * set.extent();
+  m_IsCurved = set.isCurved();
   if (!start(set, simplex, depth)) return FLAT;
   Ending const ending = expand(set, tolerance, maxExpansions, depth);
   if (ending == SEPARATED) return APART;
@@ -103,10 +105,11 @@ ZuDepthPolytope::Outcome ZuDepthPolytope::search(ZuCoreDifference& set, ZuCoreSi
 }
 
 /// The gap at which the search ends, as a multiple of that of its beginning. Solids of revolution about one axis are as
-/// deep in all directions of a circle: the bounds then meet as slowly as a polygon becomes round.
+/// deep in all directions of a circle: the bounds then meet as slowly as a polygon becomes round. Those of polytopes
+/// meet in the end, after some two expansions for each corner of round hulls.
 double ZuDepthPolytope::patience() const {
   if (m_Expansions < theFineExpansions) return 1.0;
-  if (m_Expansions < theCoarseExpansions) return 200.0;
+  if (m_Expansions < theCoarseExpansions || !m_IsCurved) return 200.0;
   return m_Expansions < theLastExpansions ? 2000.0 : 3000.0;
 }
 
@@ -117,7 +120,7 @@ ZuDepthPolytope::Ending ZuDepthPolytope::expand(ZuCoreDifference& set, double to
     if (facet < 0) return MET;
     double const lower = m_Lower = m_Facets[facet].height, gap = tolerance * patience() * m_Size + m_Noise;
     if (lower >= m_Upper - gap) return MET;
-    if (m_Expansions == theLastExpansions && m_Upper - lower > theHopeless * m_Size) return ENOUGH;
+    if (m_Expansions == theLastExpansions && m_IsCurved && m_Upper - lower > theHopeless * m_Size) return ENOUGH;
     double const h = supportValue(set, m_Facets[facet].normal);
     if (h < -m_Noise) {
       depth.normal = m_Facets[facet].normal;

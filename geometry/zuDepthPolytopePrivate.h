@@ -116,5 +116,6 @@ class ZuDepthPolytope {
   ZuVector m_UpperNormal;
   double m_Size = 0.0, m_Lower = 0.0, m_Upper = 0.0, m_Noise = 0.0;
   int m_Stamp = 0;
+  bool m_IsCurved = false;  ///< the set, so that its facets have no end
   unsigned int m_Expansions = 0;
 };

@@ -15,10 +15,12 @@ namespace {
 /// Gap of a distance and its lower bound at which an iteration ends, as a part of the size of the set: a nearest point
 /// of a curved solid is then off by 1e-7 of its size. Larger, it is off by more; smaller, the gap is all rounding.
 constexpr double theDistanceTolerance = 1e-14;
-/// The same of a depth. After 256 expansions 200 times, after 1024 2000 times, after 2048 3000 times as much will do.
+/// The same of a depth. After 256 expansions 200 times, after 1024 2000 times, after 2048 3000 times as much will do
+/// for curved solids.
 constexpr double theDepthTolerance = 1e-10;
-/// Expansions of a polytope, beyond the thousands that two coaxial cylinders take.
-constexpr unsigned int theMostExpansions = 4096;
+/// Expansions of a polytope, beyond the 5000 that coaxial cylinders take, and the 7000 of hulls of 4096 vertices on
+/// spheres about one centre.
+constexpr unsigned int theMostExpansions = 16384;
 /// Rounding of a difference point, as a part of the largest number that goes into it: two turns and sums. The origin is
 /// inside at a distance of this. Smaller, the iteration chases its own rounding.
 constexpr double theRounding = 8.0 * 0x1p-52;

@@ -44,7 +44,7 @@ class ZuDepthPolytope;
 ///
 /// **Settings.** tolerance() is the gap between a distance and its lower bound at which an iteration ends, as a part of
 /// the size: 1e-14. A depth takes 1e-10, or the tolerance when that is larger, and more after 256 expansions.
-/// maxIterations() bounds the expansions of a depth: 4096.
+/// maxIterations() bounds the expansions of a depth: 16384.
 ///
 /// **State.** Only the lists of the polytope, empty until a first depth, which grow to what the largest needed (400
 /// bytes for each expansion): after that no query allocates. Copies don't take them along. One engine serves one thread
