@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "bench/accuracyPairs.h"
-#include "geometry/zuBox.h"
 #include "geometry/zuCylinder.h"
 #include "geometry/zuEllipsoid.h"
 #include "tests/allocationCounter.h"
@@ -119,6 +118,26 @@ TEST(RobustGjk, Guarantees1To4HoldForTheHardCases) {
               pair.witnessTolerance * (isCurvedDepth ? 100.0 : 1.0));
   });
   EXPECT_TRUE(answered > 100 || testing::Test::IsSkipped()) << answered;
+}
+
+/// Of ellipsoids with common axes the support value is concave in the squares of the direction's components, so that
+/// the least one is along an axis.
+TEST(RobustGjk, Guarantee3HoldsForSolidsThatAreAsDeepInManyDirections) {
+  RandomValues r(9);
+  SCOPED_TRACE(r.trace());
+  ZuRobustGJK engine;
+  for (int k = 0; k < 40; ++k) {
+    double const unevenness = r.scale(1e-9, 1e-1), aside = r.scale(1e-9, 1e-1), smaller = r.scale(1e-3, 1.0);
+    ZuVector const ones(1.0, 1.0, 1.0), a = ones + r.vector(unevenness), b = (ones + r.vector(unevenness)) * smaller;
+    ZuVector const sums = a + b, half(0.0, 0.0, 2.0), offset(aside, 0.0, 0.0);
+    Pose const T(r.vector(), r.orientation()), moved = T * Pose(offset);
+    EXPECT_NEAR(ask(engine, ZuEllipsoid(Pose(), a), ZuEllipsoid(Pose(), b), T, T).distance,
+                -std::min(sums.x(), std::min(sums.y(), sums.z())), 1e-6)
+        << unevenness << " " << smaller;
+    ZuCylinder const around(ZuLineSegment(-half, half), 1.0), inside(ZuLineSegment(-half, half * smaller), smaller);
+    EXPECT_NEAR(ask(engine, around, inside, T, moved).distance, aside - 1.0 - smaller, 1e-6) << aside << " " << smaller;
+    EXPECT_LE(engine.depthGap(), 4e-6);
+  }
 }
 
 TEST(RobustGjk, BallsAreFromMeshesWhatTheirCentresAreLessTheRadius) {
