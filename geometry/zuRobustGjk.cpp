@@ -162,7 +162,7 @@ class ZuRobustGJK::Iteration {
   /// A short mean has the direction of its rounding; that of the plane that proves its length is right.
   void straighten() {
     ZuVector const straight = m_Proven.unitVector() * m_Result.y.mag();
-    double const most = 2.0 * theSlack * band();
+    double const most = theAside * m_Size + noise();
     if (straight != ZuVector() && (straight - m_Result.y).magSquared() <= most * most) m_Result.y = straight;
   }
 
@@ -170,8 +170,9 @@ class ZuRobustGJK::Iteration {
   static constexpr int theFirstSmoothStep = 2;
   /// How much wider than the band a gap may be that rounding leaves.
   static constexpr double theSlack = 4.0;
-  /// Means longer than this part of the largest numbers have a direction, to 1e-9.
-  static constexpr double theShort = 1e-6;
+  /// Means longer than this part of the largest numbers have a direction, to 1e-9; shorter ones give way to a better
+  /// one that ends aside of them by at most the other part, of the size.
+  static constexpr double theShort = 1e-6, theAside = 1e-10;
 
   ZuCoreDifference& m_Set;
   ZuCoreSimplex m_Simplex;
