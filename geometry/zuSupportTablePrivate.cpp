@@ -195,9 +195,9 @@ class ZuSupportTable::Builder {
   /// Whether j is at least as high as i at every corner for sure, and to be preferred where it is just as high.
   bool surpasses(std::size_t j, std::size_t i, Heights const& margins) const {
     Heights const &a = m_Heights[j], &b = m_Heights[i];
-    bool const isAsHigh = (a[0] - b[0] >= margins[0]) & (a[1] - b[1] >= margins[1]) & (a[2] - b[2] >= margins[2]) &
-                          (a[3] - b[3] >= margins[3]);  // without branches, which would be of no use
-    if (!isAsHigh) return false;
+    int lower = 0;
+    for (std::size_t k = 0; k < 4; ++k) lower += !(a[k] - b[k] >= margins[k]) ? 1 : 0;  // without branches
+    if (lower != 0) return false;
     return j < i || (j > i && a != b);
   }
 
