@@ -118,6 +118,10 @@ class Hull {
     for (; i < m_Vertices.size(); ++i) best[0] = std::max(best[0], m_Vertices[i].dot(d));
     return std::max(std::max(best[0], best[1]), std::max(best[2], best[3]));
   }
+  ZuVector supportPoint(ZuVector const& d) const {
+    double const best = support(d);
+    return *std::find_if(m_Vertices.begin(), m_Vertices.end(), [&](ZuVector const& v) { return v.dot(d) >= best; });
+  }
 
  private:
   static ZuVector corner(ZuVector const& half, unsigned int i) {
@@ -332,8 +336,8 @@ inline Bounds distanceBounds(Solid const& a, Solid const& b, Vector const& start
 }
 
 /// The depth of two polytopes: the least support value of the normals of the facets of their difference. Those of the
-/// edges are the directions where arcs cross that edges have on the unit sphere; arcs where the support value is above
-/// the bound, by its rate of change, are left out. Not above 0: they do not overlap.
+/// edges are the directions where arcs cross that edges have on the unit sphere; arcs along which points
+/// of the difference are above the bound are left out. Not above 0: they do not overlap.
 class PolytopeDepth {
  public:
   /// What is not below the bound is not looked for.
@@ -342,7 +346,7 @@ class PolytopeDepth {
     m_X = rounded(a.turn().inverseTimes(b.turn().x));
     m_Y = rounded(a.turn().inverseTimes(b.turn().y));
     m_Z = rounded(a.turn().inverseTimes(b.turn().z));
-    m_Rate = m_A.reach() + m_B.reach() + m_Offset.mag();
+    m_Reach = m_A.reach() + m_B.reach() + m_Offset.mag();
     std::vector<Arc> arcsA, arcsB;
     findArcs(m_A, false, arcsA);
     findArcs(m_B, true, arcsB);
@@ -367,24 +371,28 @@ class PolytopeDepth {
   void tryDirection(ZuVector const& n) {
     m_Least = std::min(m_Least, m_A.support(n) + m_B.support(-inB(n)) - n.dot(m_Offset));
   }
-  /// The support value along a facet's normal n, from a corner of it, which rounding may have made too low.
-  double tryFacet(Hull::Facet const& facet, ZuVector const& n, bool isB) {
-    double const own = facet.normal.dot(facet.corner);
-    double const value = own + (isB ? m_A.support(n) : m_B.support(-inB(n))) - n.dot(m_Offset);
-    if (value < m_Least) tryDirection(n);
-    return value;
+  /// The point of the difference that is farthest along a facet's normal n, but for rounding.
+  ZuVector tryFacet(Hull::Facet const& facet, ZuVector const& n, bool isB) {
+    ZuVector const p = isB ? m_A.supportPoint(n) : facet.corner;
+    ZuVector const q = isB ? facet.corner : m_B.supportPoint(-inB(n));
+    ZuVector const y = p - turned(q) - m_Offset;
+    if (y.dot(n) < m_Least) tryDirection(n);
+    return y;
+  }
+  /// A bound of the support values on an arc, by two points: along an arc, where n . y is above 0 it is concave.
+  static double lowerBound(ZuVector const& n1, ZuVector const& n2, ZuVector const& y1, ZuVector const& y2) {
+    return std::max(std::min(n1.dot(y1), n2.dot(y1)), std::min(n1.dot(y2), n2.dot(y2)));
   }
   void findArcs(Hull const& hull, bool isB, std::vector<Arc>& arcs) {
     std::vector<ZuVector> normals;
-    std::vector<double> values;
+    std::vector<ZuVector> points;
     for (Hull::Facet const& facet : hull.facets()) {
       normals.push_back(isB ? turned(-facet.normal) : facet.normal);
-      values.push_back(tryFacet(facet, normals.back(), isB));
+      points.push_back(tryFacet(facet, normals.back(), isB));
     }
     for (Hull::Edge const& edge : hull.edges()) {
       ZuVector const &n1 = normals[edge.facets[0]], &n2 = normals[edge.facets[1]];
-      double const angle = 2.0 * std::asin(std::min(0.5 * (n1 - n2).mag(), 1.0));
-      double const lower = 0.5 * (values[edge.facets[0]] + values[edge.facets[1]] - m_Rate * angle);
+      double const lower = lowerBound(n1, n2, points[edge.facets[0]], points[edge.facets[1]]);
       if (lower > m_Least) continue;
       if (isB) {
         arcs.push_back({turned(edge.along), turned(edge.end) + m_Offset, n1, n2, lower});
@@ -397,7 +405,7 @@ class PolytopeDepth {
   /// More directions than the crossings do no harm, so that rounding is on the side of more.
   void tryCrossing(Arc const& e, Arc const& f) {
     constexpr double theSlack = 1e-14, theSine = 1e-12;
-    double const slack = theSlack * m_Rate * m_Rate;
+    double const slack = theSlack * m_Reach * m_Reach;
     if (f.normal1.dot(e.along) * f.normal2.dot(e.along) > slack) return;
     if (e.normal1.dot(f.along) * e.normal2.dot(f.along) > slack) return;
     ZuVector n = e.along.cross(f.along);
@@ -409,7 +417,7 @@ class PolytopeDepth {
 
   Hull const &m_A, &m_B;
   ZuVector m_Offset, m_X, m_Y, m_Z;  ///< of b in the frame of a
-  double m_Rate = 0.0, m_Least;      ///< rate: of the support value, m for each rad
+  double m_Reach = 0.0, m_Least;
 };
 
 }  // namespace oracle

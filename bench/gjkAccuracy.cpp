@@ -23,7 +23,7 @@ Limits limitsOf(std::string const& engine, std::string const& pairs) {
   Limits limits;
   if (engine == "default") limits.distance = limits.depth = limits.curvedDepth = 1e-6;
   bool const isExact = pairs == "box" || pairs == "capsule" || pairs == "8" || pairs == "64";
-  limits.everyDepth = isExact ? 1 : pairs == "512" ? 11 : pairs == "meshes" ? 51 : pairs == "4096" ? 201 : 2;
+  limits.everyDepth = isExact ? 1 : pairs == "512" ? 51 : pairs == "meshes" ? 51 : pairs == "4096" ? 2001 : 2;
   return limits;
 }
 
