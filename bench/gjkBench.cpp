@@ -45,6 +45,7 @@ struct Body {
       body.hull = randomHull(r, vertices);
       auto mesh = std::make_unique<ZuTriPhysicalExtent>();
       mesh->convexHull(ZuXmlVectorVector(body.hull.vertices()));
+      mesh->computeSupportPoint(ZuVector::xVector(1.0));  // builds the table, which is not to be measured
       body.shape = std::move(mesh);
       return body;
     }
