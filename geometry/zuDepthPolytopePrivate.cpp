@@ -351,7 +351,7 @@ void ZuDepthPolytope::setPlanes(int const* facets, int count) {
   double const size = m_Size, noise = m_Noise;
   for (int i = 0; i < count; ++i) {
     Facet& f = m_Facets[facets[i]];
-    ZuVector const ya = places[f.corner[0]], yb = places[f.corner[1]], yc = places[f.corner[2]];
+    ZuVector const &ya = places[f.corner[0]], &yb = places[f.corner[1]], &yc = places[f.corner[2]];
     ZuVector const ab = yb - ya, ac = yc - ya, normal = ab.cross(ac);
     double const square = normal.magSquared();
     if (square > 0.0 && square < theFarthest) {
