@@ -1,9 +1,6 @@
 // meshSamples.h - meshes for tests: small ones, and the real ones of the shared collection.
 #pragma once
 
-#include <algorithm>
-#include <vector>
-
 #include "geometry/zuPolyPhysicalExtent.h"
 #include "tests/extentChecks.h"
 #include "tests/objReader.h"

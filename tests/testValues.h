@@ -3,6 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "tests/printSink.h"
 #include "tests/randomValues.h"
 #include "tests/valuePrinters.h"

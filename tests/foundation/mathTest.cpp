@@ -1,6 +1,5 @@
 #include "foundation/zuMath.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>

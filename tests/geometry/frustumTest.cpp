@@ -1,7 +1,5 @@
 #include "geometry/zuFrustum.h"
 
-#include <algorithm>
-
 #include "geometry/zuLineSegment.h"
 #include "tests/testValues.h"
 

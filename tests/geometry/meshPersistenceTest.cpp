@@ -1,8 +1,6 @@
 // Documents of meshes: the real ones there and back, and hostile ones.
-#include <gtest/gtest.h>
 
 #include "tests/meshSamples.h"
-#include "tests/printSink.h"
 
 namespace {
 

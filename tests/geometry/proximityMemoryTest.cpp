@@ -4,7 +4,6 @@
 #include "geometry/zuGeneralMotion.h"
 #include "tests/allocationCounter.h"
 #include "tests/proximityFixture.h"
-#include "tests/testValues.h"
 
 namespace {
 
