@@ -106,6 +106,16 @@ inline Vector nearestByTrial(Points& points) {
   return nearest;
 }
 
+/// The distance of the hulls of a few points, by trying all faces of the differences, which is right to the last digits
+/// for thin figures too; it can only err upwards.
+inline double distanceByTrial(std::vector<ZuVector> const& first, std::vector<ZuVector> const& second) {
+  Points differences;
+  for (ZuVector const& p : first) {
+    for (ZuVector const& q : second) differences.push_back(extended(p) - extended(q));
+  }
+  return static_cast<double>(length(nearestByTrial(differences)));
+}
+
 /// The distance of two point sets' hulls, zero within rounding when they overlap: the minimum-norm point of P. Wolfe,
 /// "Finding the nearest point in a polytope" (1976), with the best face of the kept points found by trying them all.
 inline double distance(Points const& a, Points const& b) {

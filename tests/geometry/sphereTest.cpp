@@ -1,17 +1,11 @@
-#include "geometry/zuCapsule.h"
-#include "geometry/zuTriPhysicalExtent.h"
-#include "tests/allocationCounter.h"
 #include "tests/meshSamples.h"
-#include "tests/solidChecks.h"
-#include "tests/testValues.h"
+#include "tests/randomSolids.h"
 
 namespace {
 
 ZuCoordinateSystemTransformation shift(double x) { return ZuCoordinateSystemTransformation(ZuVector(x, 0, 0)); }
 
 ZuSphere ball(double x, double y, double z, double radius) { return ZuSphere(ZuVector(x, y, z), radius, 3); }
-
-ZuSphere randomBall(RandomValues& random) { return ZuSphere(random.vector(), random.real(0.0, 1.0), 3); }
 
 class Sphere : public SolidTest {};
 
@@ -27,24 +21,6 @@ TEST_F(Sphere, TouchingCountsAsContactButHasZeroDistance) {
   a.checkIntersect(b, shift(9), m_Descriptor, m_State, &pairs);
   ASSERT_EQ(pairs.size(), 1U);
   EXPECT_EQ(pairs[0].first, m_Descriptor.key1());
-}
-
-TEST_F(Sphere, WitnessPointsLieOnBothSpheresAndAreApartByTheDistanceWithoutAllocations) {
-  TracedValues random(11);
-  AllocationCounter const counter;
-  for (int i = 0; i < 1000; ++i) {
-    ZuSphere const a = randomBall(random), b = randomBall(random);
-    ZuCoordinateSystemTransformation const x = random.transformation();
-    ZuVector w1, w2, u1, u2;
-    double const d = witness(a, b, x, w1, w2);
-    EXPECT_NEAR(std::abs(a.distanceTo(w1)) + std::abs(b.distanceTo(w2)), 0.0, 1e-14);
-    EXPECT_NEAR((x * w2 - w1).mag(), std::abs(d), 1e-14);
-    EXPECT_NEAR(witness(b, a, x.inverse(), u2, u1), d, 1e-14);
-    EXPECT_TRUE(u1.approxEq(w1, 1e-13) && u2.approxEq(w2, 1e-13));
-    EXPECT_EQ(distance(a, b, x), d);
-    EXPECT_EQ(touch(a, b, x), d <= 0.0);
-  }
-  EXPECT_EQ(counter.count(), 0U);
 }
 
 TEST_F(Sphere, ConcentricSpheresLeaveTheWitnessPointsAlone) {
@@ -89,13 +65,7 @@ TEST_F(Sphere, PointsAndSegmentsAreMeasuredFromTheSurface) {
   EXPECT_FALSE(s.contains(ball(2, 0, 0, 1 + 1e-13))) << "no tolerance between spheres";
 }
 
-TEST_F(Sphere, SegmentsEnterAndLeaveWhereTheDistanceSays) {
-  TracedValues random(12);
-  int hits = 0;
-  for (int i = 0; i < 1000; ++i)
-    hits += checkSegment(randomBall(random), ZuLineSegment(random.vector(1.5), random.vector(1.5)));
-  EXPECT_TRUE(hits > 100 && hits < 800) << hits;
-  // Digits are kept far from a small sphere.
+TEST_F(Sphere, DigitsOfHitsAreKeptFarFromASmallSphere) {
   ZuShapePointEvent event;
   ZuLineSegment const longSegment(ZuVector(-1e6, 0.0005, 0), ZuVector(1e6, 0.0005, 0));
   ASSERT_TRUE(ZuSphere::intersectSphereWithLineSegment(ZuVector(), 0.001, longSegment, event));
@@ -134,18 +104,12 @@ TEST_F(Sphere, FitsToPointsCapsulesAndMeshes) {
   s.fitFromShape(ZuCapsule(ZuLineSegment(ZuVector(-2, 1, 0), ZuVector(2, 1, 0)), 1.0));
   EXPECT_EQ(s, ball(0, 1, 0, 2)) << "half the segment, not the capsule's reach";
   s.fitFromShape(triangleCube());
-  for (ZuVector const& point : cubePoints()) EXPECT_LE(s.distanceTo(point), 1e-14);
+  EXPECT_LE(mostOutside(s, ZuXmlVectorVector(cubePoints())), 1e-14);
   ZuSphere const before = s;
   PrintSink sink;
   s.fitToPoints(ZuXmlVectorVector());
   EXPECT_EQ(sink.take().size(), 1U);
   EXPECT_EQ(s, before);
-}
-
-TEST_F(Sphere, MovingScalingAndVolumeAgree) {
-  TracedValues random(14);
-  for (int i = 0; i < 50; ++i) checkMovesAndScales(randomBall(random), random);
-  EXPECT_NEAR(ball(1, 2, 3, 3).volume(), 36.0 * M_PI, 1e-12);
 }
 
 TEST_F(Sphere, TessellationsCloseFaceOutwardAndConverge) {
@@ -160,4 +124,5 @@ TEST_F(Sphere, TessellationsCloseFaceOutwardAndConverge) {
   s.setRadius(1.0);
   EXPECT_EQ(s.physicalExtent().totalNumberOfFacets(), 327680U) << "bounded";
   EXPECT_EQ(s.physicalExtent().getGroupSurfaceKey(0), "Bounding");
+  EXPECT_NEAR(s.volume(), 4.0 / 3.0 * M_PI, 1e-14);
 }
