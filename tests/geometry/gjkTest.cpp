@@ -1,16 +1,11 @@
 #include "geometry/zuGjk.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <sstream>
-
-#include "foundation/zuReArray.h"
 #include "tests/allocationCounter.h"
 #include "tests/engineQueries.h"
 #include "tests/hardPairs.h"
 #include "tests/printSink.h"
-#include "tests/randomValues.h"
+#include "tests/temporaryFolder.h"
+#include "tests/testValues.h"
 
 namespace {
 
@@ -65,39 +60,6 @@ void expectOnShapes(Answer const& answer, HullShape const& a, HullShape const& b
 }
 
 }  // namespace
-
-TEST(Gjk, WeightsOfThreeAndFourPointsSolveTheSystemWithARowOfOnes) {
-  RandomValues r(1);
-  SCOPED_TRACE(r.trace());
-  OpenEngine engine;
-  std::vector<unsigned int> const sets[] = {{0, 1, 2}, {0, 1, 3}, {0, 2, 3}, {1, 2, 3}, {0, 1, 2, 3}};
-  for (int k = 0; k < 500; ++k) {
-    std::vector<ZuVector> y(4);
-    for (ZuVector& p : y) p = r.vector(r.scale(0.01, 100.0));
-    engine.setPoints(y, k % 4);
-    engine.updateSubDeterminants();
-    for (auto const& places : sets) {
-      unsigned int bits = 0;
-      for (unsigned int place : places) bits |= 1U << place;
-      auto const n = static_cast<unsigned int>(places.size());
-      if ((bits >> (k % 4) & 1U) == 0) continue;
-      ZuReArray rows(n, n), one(n, 1), weights;
-      one(0, 0) = 1.0;
-      for (unsigned int j = 0; j < n; ++j) {
-        rows(0, j) = 1.0;
-        // Of four points, the mean is 0; of three, it is at a right angle to two edges.
-        for (unsigned int i = 1; i < n; ++i) {
-          rows(i, j) = n == 4 ? y[places[j]][i - 1] : (y[places[i]] - y[places[0]]).dot(y[places[j]]);
-        }
-      }
-      ASSERT_TRUE(rows.solve(one, weights));
-      for (unsigned int j = 0; j < n; ++j) {
-        double const expected = weights(j, 0);
-        EXPECT_NEAR(engine.m_Det[bits][places[j]], expected, 1e-9 * (1.0 + std::abs(expected))) << bits;
-      }
-    }
-  }
-}
 
 TEST(Gjk, DependentPointsMakeASetInvalidAndNeverANan) {
   ZuVector const a(1.0, 0.0, 0.0), b(1.0, 1.0, 0.0), c(1.0, 0.5, 0.0), diagonal(1.0, 1.0, 1.0);
@@ -185,8 +147,7 @@ TEST(Gjk, RandomPairsAreNeverTooNearAndSeldomTooFar) {
     double leastOff;
   } const sizes[] = {{8, 2000, 0.04, 0.01}, {64, 1000, 0.15, 0.04}, {512, 300, 0.3, 0.05}, {4096, 40, 0.5, 0.0}};
   for (auto const& size : sizes) {
-    RandomValues r(size.vertices);
-    SCOPED_TRACE(r.trace());
+    TracedValues r(size.vertices);
     ZuGJK engine;
     int apart = 0, off = 0, moved = 0, scaled = 0;
     for (int k = 0; k < size.pairs; ++k) {
@@ -218,8 +179,7 @@ TEST(Gjk, RandomPairsAreNeverTooNearAndSeldomTooFar) {
 }
 
 TEST(Gjk, DepthOfRandomPairsIsTheLeastTranslationThatSeparates) {
-  RandomValues r(5);
-  SCOPED_TRACE(r.trace());
+  TracedValues r(5);
   ValidatingEngine engine;
   int overlapping = 0, found = 0;
   for (int k = 0; k < 400; ++k) {
@@ -253,8 +213,7 @@ TEST(Gjk, DepthOfRandomPairsIsTheLeastTranslationThatSeparates) {
 }
 
 TEST(Gjk, RoundShapesHaveTheDistanceOfTheirCoresLessTheRadii) {
-  RandomValues r(6);
-  SCOPED_TRACE(r.trace());
+  TracedValues r(6);
   ValidatingEngine engine;
   int off = 0, deep = 0;
   for (int k = 0; k < 400; ++k) {
@@ -368,7 +327,7 @@ TEST(Gjk, ASearchThatFailsLeavesTheDistanceOfTheIteration) {
   } unlinked;
   PrintSink sink;
   EXPECT_EQ(ask(unlinked, cube, cube, Pose(), T2).distance, answer.distance);
-  EXPECT_EQ(sink.messages(), std::vector<std::string>{"ZuGJK::assignNeighborTrisVec() failed."});
+  EXPECT_EQ(sink.messages(), Messages{"ZuGJK::assignNeighborTrisVec() failed."});
 }
 
 TEST(Gjk, NumbersThatAreNotFinitePrintALineAndGiveNothing) {
@@ -419,17 +378,14 @@ TEST(Gjk, DumpsNameWhatTheEngineHolds) {
   PrintSink sink;
   ZuGJK engine;
   ask(engine, cube, cube, Pose(), Pose(ZuVector(0.7, 0.2, 0.1)));
-  std::string const file = testing::TempDir() + "zuGjkDump.txt";
-  std::stringstream simplex, all;
-  engine.dumpSimplex(file);
-  simplex << std::ifstream(file).rdbuf();
-  engine.dump(file);
-  all << std::ifstream(file).rdbuf();
-  EXPECT_EQ(simplex.str().find("bits "), 0U);
-  EXPECT_NE(all.str().find(simplex.str()), std::string::npos);
-  EXPECT_NE(all.str().find("facet "), std::string::npos);
+  TemporaryFolder const folder;
+  engine.dumpSimplex(folder.file("simplex"));
+  engine.dump(folder.file("all"));
+  std::string const simplex = contents(folder.file("simplex")), all = contents(folder.file("all"));
+  EXPECT_TRUE(simplex.find("bits ") == 0U && all.find(simplex) != std::string::npos);
+  EXPECT_NE(all.find("facet "), std::string::npos);
   engine.debugInverse(15);
   EXPECT_EQ(sink.take().size(), 5U);
   engine.dump("/no/such/folder/file");
-  EXPECT_EQ(sink.take(), std::vector<std::string>{"ZuGJK::dump-->can't write file (/no/such/folder/file)"});
+  EXPECT_EQ(sink.take(), Messages{"ZuGJK::dump-->can't write file (/no/such/folder/file)"});
 }
