@@ -30,15 +30,6 @@ TEST(Vector, CrossProductIsRightHandedAndItsOutputMayBeAnInput) {
   EXPECT_EQ(b, ZuVector(0.0, -10.0, -8.0));
 }
 
-TEST(Vector, ArithmeticOnTheLeftOnTheRightAndInPlaceAgrees) {
-  ZuVector v(1.0, -2.0, 4.0);
-  EXPECT_TRUE(0.5 * v == ZuVector(0.5, -1.0, 2.0) && v / 4.0 == ZuVector(0.25, -0.5, 1.0) && v.prod() == -8.0);
-  ((v += ZuVector(1.0, 1.0, 1.0)) *= 3.0) -= ZuVector(0.0, 0.0, 5.0);
-  v /= 2.0;
-  v[1] += 7.0;
-  EXPECT_EQ(v, ZuVector(3.0, 5.5, 5.0));
-}
-
 TEST(Vector, AnIndexAboveTwoReadsZeroAndKeepsTheVector) {
   PrintSink sink;
   ZuVector v = ZuVector::testObject();
