@@ -1,5 +1,6 @@
 #include "geometry/zuGjk.h"
 
+#include "foundation/zuReArray.h"
 #include "tests/allocationCounter.h"
 #include "tests/engineQueries.h"
 #include "tests/hardPairs.h"
@@ -60,6 +61,38 @@ void expectOnShapes(Answer const& answer, HullShape const& a, HullShape const& b
 }
 
 }  // namespace
+
+TEST(Gjk, WeightsOfThreeAndFourPointsSolveTheSystemWithARowOfOnes) {
+  TracedValues r(1);
+  OpenEngine engine;
+  std::vector<unsigned int> const sets[] = {{0, 1, 2}, {0, 1, 3}, {0, 2, 3}, {1, 2, 3}, {0, 1, 2, 3}};
+  for (int k = 0; k < 500; ++k) {
+    std::vector<ZuVector> y(4);
+    for (ZuVector& p : y) p = r.vector(r.scale(0.01, 100.0));
+    engine.setPoints(y, k % 4);
+    engine.updateSubDeterminants();
+    for (auto const& places : sets) {
+      unsigned int bits = 0;
+      for (unsigned int place : places) bits |= 1U << place;
+      auto const n = static_cast<unsigned int>(places.size());
+      if ((bits >> (k % 4) & 1U) == 0) continue;
+      ZuReArray rows(n, n), one(n, 1), weights;
+      one(0, 0) = 1.0;
+      for (unsigned int j = 0; j < n; ++j) {
+        rows(0, j) = 1.0;
+        // Of four points, the mean is 0; of three, it is at a right angle to two edges.
+        for (unsigned int i = 1; i < n; ++i) {
+          rows(i, j) = n == 4 ? y[places[j]][i - 1] : (y[places[i]] - y[places[0]]).dot(y[places[j]]);
+        }
+      }
+      ASSERT_TRUE(rows.solve(one, weights));
+      for (unsigned int j = 0; j < n; ++j) {
+        double const expected = weights(j, 0);
+        EXPECT_NEAR(engine.m_Det[bits][places[j]], expected, 1e-9 * (1.0 + std::abs(expected))) << bits;
+      }
+    }
+  }
+}
 
 TEST(Gjk, DependentPointsMakeASetInvalidAndNeverANan) {
   ZuVector const a(1.0, 0.0, 0.0), b(1.0, 1.0, 0.0), c(1.0, 0.5, 0.0), diagonal(1.0, 1.0, 1.0);

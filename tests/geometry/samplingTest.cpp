@@ -40,14 +40,19 @@ void expectEven(Sampled& sampled, Draw const& draw, double spacing, double cover
 
 TEST(Cell600, IsTheRegularPolytope) {
   Zu600Cell const cell;
-  EXPECT_TRUE(cell.selfTest());  // 12 edges, 30 triangles and 20 cells at each vertex, 2 cells on each triangle
+  EXPECT_TRUE(cell.selfTest());
+  using Counts = std::vector<unsigned int>;
+  Counts edgesAt(120), trianglesAt(120), cellsAt(120), cellsOn(1200);
   EXPECT_EQ(cell.vertex(0), ZuOrientation());
-  for (unsigned int e = 0; e < 720; ++e)
+  for (unsigned int e = 0; e < 720; ++e) {
     ASSERT_NEAR(cosine(cell.edgeVertex(e, 0), cell.edgeVertex(e, 1)), std::cos(36 * theDegree), 1e-15);
+    for (unsigned int k = 0; k < 2; ++k) ++edgesAt[cell.edgeVertexIndex(e, k)];
+  }
   for (unsigned int t = 0; t < 1200; ++t) {
     std::multiset<unsigned int> ofEdges;
     for (unsigned int k = 0; k < 6; ++k) ofEdges.insert(cell.edgeVertexIndex(cell.triangleEdgeIndex(t, k / 2), k % 2));
     for (unsigned int k = 0; k < 3; ++k) ASSERT_EQ(ofEdges.count(cell.triangleVertexIndex(t, k)), 2U);
+    for (unsigned int k = 0; k < 3; ++k) ++trianglesAt[cell.triangleVertexIndex(t, k)];
   }
   std::set<std::set<unsigned int>> distinct;
   for (unsigned int t = 0; t < 600; ++t) {
@@ -60,10 +65,14 @@ TEST(Cell600, IsTheRegularPolytope) {
     for (unsigned int k = 0; k < 4; ++k) {
       unsigned int const v = cell.tetrahedronVertexIndex(t, k);
       ASSERT_TRUE(ofEdges.count(v) == 3 && ofTriangles.count(v) == 3 && vertices.insert(v).second) << t;
+      ++cellsAt[v];
+      ++cellsOn[cell.tetrahedronTriangleIndex(t, k)];
     }
     distinct.insert(vertices);
   }
   EXPECT_EQ(distinct.size(), 600U);
+  EXPECT_TRUE(edgesAt == Counts(120, 12) && trianglesAt == Counts(120, 30) && cellsAt == Counts(120, 20));
+  EXPECT_EQ(cellsOn, Counts(1200, 2));
 }
 
 TEST(Cell600, BadIndicesGetTheirMessages) {
