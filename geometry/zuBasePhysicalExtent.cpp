@@ -172,6 +172,7 @@ void ZuBasePhysicalExtent::copyMesh(ZuBasePhysicalExtent const& other) {
   m_VisitStamps = other.m_VisitStamps;
   m_VisitStamp = other.m_VisitStamp;
   m_SupportTable = other.m_SupportTable;
+  m_AnswersByScan = other.m_AnswersByScan;
   m_Derived = other.m_Derived;
   m_Computed = other.m_Computed;
   m_Outdated = other.m_Outdated;
@@ -216,6 +217,7 @@ void ZuBasePhysicalExtent::resetNeighborFlags() {
   m_Computed.reset();
   m_Outdated.reset();
   m_SupportTable.reset();
+  m_AnswersByScan = 0;
 }
 
 void ZuBasePhysicalExtent::setComputed(DerivedStructure structure) const {
@@ -283,6 +285,7 @@ void ZuBasePhysicalExtent::pointsMoved() {
     if (m_Computed[structure]) m_Outdated.set(structure);
   }
   m_Computed.reset(BOXES);
+  if (m_SupportTable) m_AnswersByScan = m_theAnswersByScan;
   m_SupportTable.reset();
   m_Surface.reset();
   m_Capsule.reset();
@@ -320,7 +323,6 @@ void ZuBasePhysicalExtent::setVertexNeighborFacets(FacetLists&& lists) {
   m_Derived.vertexNeighborFacets = std::move(lists);
   m_VisitStamps.assign(m_Points.size(), 0);
   m_VisitStamp = 1;
-  m_SupportTable.reset();
   setComputed(VERTEX_FACETS);
 }
 
@@ -576,14 +578,18 @@ void ZuBasePhysicalExtent::scan(ZuVector const& direction) const {
 
 ZuVector ZuBasePhysicalExtent::computeSupportPoint(ZuVector const& direction) const {
   if (m_Points.empty()) return {};
-  if (m_IsConvex) {
-    ZuSupportTable const& table = m_SupportTable ? *m_SupportTable : supportTable();
-    if (isZero(direction)) return supportPoint(direction);
-    unsigned int const place = table.farthest(direction);
-    m_SupportPointID = table.index(place);
-    return table.point(place);
+  if (isZero(direction)) {
+    // The caches of a const mesh are filled by the same builders as those of another one.
+    bool const isMissing = m_IsConvex && !isComputed(VERTEX_FACETS);
+    if (isMissing) const_cast<ZuBasePhysicalExtent&>(*this).findVertexNeighborFacetsVector();
+    return supportPoint(direction);
   }
-  if (isZero(direction)) return supportPoint(direction);
+  if (m_IsConvex) {
+    if (!m_SupportTable || (m_AnswersByScan != 0 && --m_AnswersByScan == 0)) buildSupportTable();
+    unsigned int const place = m_SupportTable->farthest(direction);
+    m_SupportPointID = m_SupportTable->index(place);
+    return m_SupportTable->point(place);
+  }
   if (m_Points.size() > m_theLargestPlainScan && !surface().triangles().empty()) {
     m_SupportPointID = surface().farthestVertex(direction);
   } else {
@@ -592,16 +598,13 @@ ZuVector ZuBasePhysicalExtent::computeSupportPoint(ZuVector const& direction) co
   return m_Points[m_SupportPointID];
 }
 
-ZuSupportTable const& ZuBasePhysicalExtent::supportTable() const {
-  // The caches of a const mesh are filled by the same builders as those of another one.
-  if (!isComputed(VERTEX_FACETS)) const_cast<ZuBasePhysicalExtent&>(*this).findVertexNeighborFacetsVector();
+void ZuBasePhysicalExtent::buildSupportTable() const {
   std::vector<unsigned int> used = usedIndices();
   if (used.empty()) {
     used.resize(m_Points.size());
     std::iota(used.begin(), used.end(), 0U);
   }
-  m_SupportTable = std::make_shared<ZuSupportTable const>(m_Points, used);
-  return *m_SupportTable;
+  m_SupportTable = std::make_shared<ZuSupportTable const>(m_Points, used, m_AnswersByScan != 0);
 }
 
 // Changes of the geometry.

@@ -483,7 +483,11 @@ bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet, bool isExact) {
   Corner* const corners = m_Corners.data();
   HorizonEdge* const horizon = m_Horizon.data();
   int* const removed = m_Removed.data();
-  int const stamp = ++m_Stamp;
+  if (++m_Stamp == 0) {
+    std::fill(m_Corners.begin(), m_Corners.end(), Corner());
+    m_Stamp = 1;
+  }
+  unsigned int const stamp = m_Stamp;
   int count = 0, removedCount = 1;
   bool isSimple = true;
   removed[0] = facet;
@@ -516,7 +520,8 @@ bool ZuDepthPolytope::findHorizon(ZuVector const& w, int facet, bool isExact) {
 bool ZuDepthPolytope::isOneLoop(ZuVector const& w) const {
   HorizonEdge const* const horizon = m_Horizon.data();
   Corner const* const corners = m_Corners.data();
-  int const stamp = m_Stamp, count = m_HorizonCount;
+  unsigned int const stamp = m_Stamp;
+  int const count = m_HorizonCount;
   int edge = 0, length = 0;
   do {
     HorizonEdge const& ofHorizon = horizon[edge];

@@ -61,7 +61,8 @@ class ZuDepthPolytope {
   };
   /// Of a corner of the horizon: the edge that begins there, when the stamp is that of the expansion.
   struct Corner {
-    int stamp = 0, edge = 0;
+    unsigned int stamp = 0;
+    int edge = 0;
   };
 
   enum Ending {
@@ -115,7 +116,7 @@ class ZuDepthPolytope {
   ZuVector m_Axis;  ///< of the first points: their line, then their plane
   ZuVector m_UpperNormal;
   double m_Size = 0.0, m_Lower = 0.0, m_Upper = 0.0, m_Noise = 0.0;
-  int m_Stamp = 0;
+  unsigned int m_Stamp = 0;
   bool m_IsCurved = false;  ///< the set, so that its facets have no end
   unsigned int m_Expansions = 0;
 };

@@ -56,7 +56,7 @@ double scaleOf(ZuShape const& shape1, ZuShape const& shape2, ZuCoordinateSystemT
       }
     }
   }
-  return most > 0.0 && std::isfinite(most) ? std::ldexp(1.0, -std::ilogb(most)) : 0.0;
+  return most > 0.0 && std::isfinite(most) ? std::ldexp(1.0, std::min(-std::ilogb(most), 1023)) : 0.0;
 }
 
 }  // namespace

@@ -7,14 +7,12 @@
 /// Fills the cells from the octants down: what is no candidate of a square is none of its parts.
 class ZuSupportTable::Builder {
  public:
-  Builder(ZuSupportTable& table, ZuXmlVectorVector const& points, std::vector<unsigned int> const& indices)
-      : m_Table(table) {
-    takePoints(points, indices);
-  }
+  explicit Builder(ZuSupportTable& table) : m_Table(table) {}
 
-  void build() {
+  void build(ZuXmlVectorVector const& points, std::vector<unsigned int> const& indices, bool isPlain) {
+    takePoints(points, indices, isPlain);
     for (unsigned int i = 0; i < m_Offsets.size(); ++i) m_Stack.push_back(i);
-    if (m_Offsets.size() <= theSmallSet) {
+    if (isPlain || m_Offsets.size() <= theSmallSet) {
       appendList(0);
       m_Table.m_SmallSet = static_cast<unsigned int>(m_Table.m_Cells.size());
       return;
@@ -27,6 +25,7 @@ class ZuSupportTable::Builder {
       }
     }
     dropUnused();
+    m_Table.m_Cells.shrink_to_fit();
   }
 
  private:
@@ -49,18 +48,18 @@ class ZuSupportTable::Builder {
   };
   using Heights = std::array<double, 4>;
 
-  /// Sets what is to be told about the points, each place once, and where they are.
-  void takePoints(ZuXmlVectorVector const& points, std::vector<unsigned int> const& indices) {
+  /// Sets what is to be told about the points, each place once but in a plain list, and where they are.
+  void takePoints(ZuXmlVectorVector const& points, std::vector<unsigned int> const& indices, bool isPlain) {
     double largest = 0.0;
     auto const magnitude = [](ZuVector const& p) {
       return std::max(std::abs(p.x()), std::max(std::abs(p.y()), std::abs(p.z())));
     };
-    std::vector<unsigned int> const welded = zuWeld(points);
-    std::vector<bool> isTaken(points.size(), false);
+    std::vector<unsigned int> const welded = isPlain ? std::vector<unsigned int>() : zuWeld(points);
+    std::vector<bool> isTaken(welded.size(), false);
     for (unsigned int const i : indices) {
       bool const isFinite = points[i] * 0.0 == ZuVector();
-      if (!isFinite || isTaken[welded[i]]) continue;
-      isTaken[welded[i]] = true;
+      if (!isFinite || (!isPlain && isTaken[welded[i]])) continue;
+      if (!isPlain) isTaken[welded[i]] = true;
       m_Table.m_Indices.push_back(i);
       largest = std::max(largest, magnitude(points[i]));
     }
@@ -83,6 +82,7 @@ class ZuSupportTable::Builder {
     m_Table.m_Size = std::ldexp(1.0, static_cast<int>(m_Depth));
     m_Table.m_Stride = (1U << m_Depth) + 1;
     m_Table.m_Cells.resize(std::size_t{8} * m_Table.m_Stride * m_Table.m_Stride, Cell{0, 0, 0, 0});
+    m_MostCells = m_Table.m_Cells.size() + theMostCellsPerPoint * m_Offsets.size();
     m_LongestList = std::max(theLongestList, m_Offsets.size() / theListsPerScan);
   }
 
@@ -92,7 +92,7 @@ class ZuSupportTable::Builder {
     narrow(square, begin, end);
     std::size_t const allowed = square.depth < m_Depth ? theMostCandidates : m_LongestList;
     bool const isDivided = m_Stack.size() - first > allowed && square.depth < m_Depth + theMostDivisions;
-    if (isDivided && m_Work < m_MostWork) {
+    if (isDivided && m_Work < m_MostWork && m_Table.m_Cells.size() < m_MostCells) {
       divide(square, cell, first);
     } else {
       spread(square, cell, first);
@@ -236,11 +236,13 @@ class ZuSupportTable::Builder {
   static constexpr double theLargestCoordinate = 1e300;
   /// Cells of the grid for each point: fewer leave more of them divided, more do not pay.
   static constexpr double theCellsPerPoint = 4.0;
-  /// Of the grid, and of its cells: 64 cells along an edge, and 1024 where points are dense.
+  /// Of the grid, and of its cells: 256 cells along an edge, and 4096 where points are dense.
   static constexpr unsigned int theDeepestGrid = 8, theMostDivisions = 4;
   /// Points are compared in squares this many times, on average. Sound sets need 100; those of many points within
   /// rounding of one another, which no square tells apart, are given up then and left as lists.
   static constexpr std::size_t theWorkPerPoint = 1000;
+  /// Beside those of the grid: 2 kB a point. Discs take nearly as many; with more, sets as above take 5 kB.
+  static constexpr std::size_t theMostCellsPerPoint = 128;
 
   ZuSupportTable& m_Table;
   std::vector<ZuVector> m_Offsets;    ///< of the points, from one of them
@@ -248,11 +250,12 @@ class ZuSupportTable::Builder {
   std::vector<Heights> m_Heights;     ///< of the candidates at hand, at the corners of their square
   double m_Rounding = 0.0;
   unsigned int m_Depth = 0;
-  std::size_t m_Work = 0, m_MostWork = 0, m_LongestList = theLongestList;
+  std::size_t m_Work = 0, m_MostWork = 0, m_MostCells = 0, m_LongestList = theLongestList;
 };
 
-ZuSupportTable::ZuSupportTable(ZuXmlVectorVector const& points, std::vector<unsigned int> const& indices) {
-  Builder(*this, points, indices).build();
+ZuSupportTable::ZuSupportTable(ZuXmlVectorVector const& points, std::vector<unsigned int> const& indices,
+                               bool isPlain) {
+  Builder(*this).build(points, indices, isPlain);
 }
 
 unsigned int ZuSupportTable::farthestOfExtreme(ZuVector const& direction) const {
