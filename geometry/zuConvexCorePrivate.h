@@ -234,7 +234,8 @@ class ZuCoreDifference {
     return core2.inShape((q + m_Turn.inverseTimes(n) * length) * (1.0 / m_Scale));
   }
 
-  /// Whether both cores are boxes that hold balls which overlap: no proof for other pairs, but as cheap as can be.
+  /// Whether the balls in two boxes overlap, or one in a box holds the origin of the other core's frame: with
+  /// areBoxes(), that boxes are deep in each other for sure, as cheaply as can be.
   bool areBoxesDeepInEachOther() const {
     double const reach = (core1.ballInBox() + core2.ballInBox()) * m_Scale;
     return m_Offset.magSquared() < reach * reach;
