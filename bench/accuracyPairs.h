@@ -65,6 +65,23 @@ inline Body makeBody(std::string const& kind, ZuVector const& size, ZuVector con
           std::max(extent, 2.0 * size.y())};
 }
 
+struct Bounds {
+  ZuVector low, high;
+
+  explicit Bounds(std::vector<ZuVector> const& points) : low(points[0]), high(points[0]) {
+    for (ZuVector const& p : points) {
+      for (unsigned int k = 0; k < 3; ++k) {
+        low[k] = std::min(low[k], p[k]);
+        high[k] = std::max(high[k], p[k]);
+      }
+    }
+  }
+  double size() const {
+    ZuVector const sides = high - low;
+    return std::max({sides.x(), sides.y(), sides.z()});
+  }
+};
+
 /// Few vertices are tried one by one; many are those of a mesh, as clients have it.
 inline Body hullBody(std::vector<ZuVector> const& vertices) {
   constexpr std::size_t theFewVertices = 64;
@@ -74,15 +91,7 @@ inline Body hullBody(std::vector<ZuVector> const& vertices) {
     mesh->convexHull(ZuXmlVectorVector(vertices));
     shape = mesh;
   }
-  ZuVector low = vertices[0], high = vertices[0];
-  for (ZuVector const& v : vertices) {
-    for (unsigned int k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], v[k]);
-      high[k] = std::max(high[k], v[k]);
-    }
-  }
-  ZuVector const size = high - low;
-  return {shape, Solid(std::make_shared<oracle::Hull>(vertices)), std::max({size.x(), size.y(), size.z()})};
+  return {shape, Solid(std::make_shared<oracle::Hull>(vertices)), Bounds(vertices).size()};
 }
 
 /// The corners of the convex hull of a mesh, brought to a largest extent of 1 m about the origin; none of a flat one.
@@ -99,15 +108,8 @@ inline std::vector<ZuVector> readHull(std::filesystem::path const& file) {
   if (!ZuConvexHull::spansVolume(points.data(), points.size())) return {};
   ZuConvexHull().computeConvexHull(points, corners);
   std::vector<ZuVector> vertices(corners.data(), corners.data() + corners.size());
-  ZuVector low = vertices[0], high = vertices[0];
-  for (ZuVector const& v : vertices) {
-    for (unsigned int k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], v[k]);
-      high[k] = std::max(high[k], v[k]);
-    }
-  }
-  ZuVector const size = high - low;
-  for (ZuVector& v : vertices) v = (v - (low + high) * 0.5) * (1.0 / std::max({size.x(), size.y(), size.z()}));
+  Bounds const bounds(vertices);
+  for (ZuVector& v : vertices) v = (v - (bounds.low + bounds.high) * 0.5) * (1.0 / bounds.size());
   return vertices;
 }
 

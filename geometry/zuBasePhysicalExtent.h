@@ -245,9 +245,9 @@ class ZU_API ZuBasePhysicalExtent : public ZuShape {
   /// ties. It never prints: a mesh builds what it lacks on the first call after a change, and does not allocate after
   /// that. A convex one looks the direction up in a table of candidates, so that earlier answers make no difference;
   /// copies share it. The table takes 3 to 6 microseconds a point to build, 20 for prisms and discs of many corners.
-  /// When points move after that, a scan gives the same answers until 4096 of them were asked for with no further move:
-  /// a mesh that deforms in every cycle builds no table. A mesh that is not convex scans its points, or searches its
-  /// boxes when it is large.
+  /// When points move after that, a scan gives the same answers until 4096 of them were asked for with no further move,
+  /// and only then the table is built anew: not for a mesh that deforms in every cycle. A mesh that is not convex scans
+  /// its points, or searches its boxes when it is large.
   ZuVector computeSupportPoint(ZuVector const& direction) const override;
   /// The vertex farthest along the direction: for a convex mesh by climbing from the last answer, where it takes ties;
   /// otherwise by a scan of all points, the lowest index of equals. For the zero direction the first vertex that a

@@ -207,7 +207,9 @@ class ZuCoreDifference {
   double extent() const { return m_Extent; }
   bool isInRange() const { return m_Extent == 0.0 || (m_Extent >= theSmallest && m_Extent <= theLargest); }
 
-  bool isCurved() const { return (core1.isCurved() || core2.isCurved()) && m_Scale == 1.0; }
+  bool isCurved() const { return core1.isCurved() || core2.isCurved(); }
+  /// Whether points can be moved along features that are curved.
+  bool hasCurvedFeatures() const { return isCurved() && m_Scale == 1.0; }
   /// The point of the same features of the two cores as `point` where n is normal to them. For a scale of 1.
   void onFeatures(ZuCorePoint const& point, ZuVector const& n, ZuCorePoint& moved) {
     moved.p = core1.onFeature(point.p, n);

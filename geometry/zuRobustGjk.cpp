@@ -26,7 +26,8 @@ constexpr unsigned int theMostExpansions = 16384;
 constexpr double theRounding = 8.0 * 0x1p-52;
 /// How far aside of its normal the end of a depth may be, as a part of the size, where the normal has it.
 constexpr double theSlant = 2e-10;
-/// Steps of an iteration, in doubles and again in twice their digits; polytopes take 5 to 20, curved solids up to 60.
+/// Steps of an iteration, in doubles and again in twice their digits; boxes and curved solids take 2 or 3, hulls up to
+/// 20, curved shapes of unknown classes up to 60.
 constexpr int theMostSteps = 256;
 
 bool isFinite(ZuVector const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z()); }
@@ -122,7 +123,7 @@ class ZuRobustGJK::Iteration {
     bool const isImpossible = nearest.count == 4 && m_Bound > noise();  // proven apart: rounding
     if (isImpossible || !(nearest.square < m_Square)) return false;
     take(nearest);
-    if (m_Set.isCurved() && ++m_Steps >= theFirstSmoothStep && !m_Overlaps &&
+    if (m_Set.hasCurvedFeatures() && ++m_Steps >= theFirstSmoothStep && !m_Overlaps &&
         ZuSmoothStep::move(m_Set, m_Simplex, m_Square, m_V, nearest)) {
       take(nearest);
     }

@@ -27,8 +27,8 @@ class ZuDepthPolytope;
 /// 4. The witness points lie on their solids within 1e-9 sizes, and differ by the separation vector, whose length is
 ///    that of the distance.
 /// 5. No input of finite numbers makes it loop, allocate without bound, or return a nan. The iteration takes at most
-///    256 steps and, where doubles leave doubts, 256 more in twice their digits; the polytope takes maxIterations()
-///    expansions and then 512 more. Answers that would overflow are 0, with a message.
+///    256 steps and, where doubles leave doubts, 256 more in twice their digits; the polytope maxIterations()
+///    expansions, eight descents of 200 steps and 512 more. Answers that would overflow are 0, with a message.
 /// 6. The answer does not depend on the start, nor on which shape comes first, beyond these bands.
 /// 7. Flat, thin, needle-like, single-point and identical shapes are legal. A pair whose difference set is flat (two
 ///    plates in one plane) has depth 0.
