@@ -229,6 +229,7 @@ bool ZuRobustGJK::distance(ZuShape const& shape1, ZuShape const& shape2, ZuCoord
       witness2 = set.witness2(answer.point.q, answer.normal, share * r2);
       ZuVector const vector = set.inWorld(answer.point.y - answer.normal * (r1 + r2));
       distance = isCommon ? 0.0 : answer.distance / scale;
+      m_DepthGap /= scale;
       if (isFinite(witness1, witness2, vector, distance)) {
         if (separation != nullptr) *separation = isCommon ? ZuVector() : vector;
         noteConvexity(shape1, shape2);

@@ -138,6 +138,11 @@ TEST(RobustGjk, Guarantee3HoldsForSolidsThatAreAsDeepInManyDirections) {
     EXPECT_NEAR(ask(engine, around, inside, T, moved).distance, aside - 1.0 - smaller, 1e-6) << aside << " " << smaller;
     EXPECT_LE(engine.depthGap(), 4e-6);
   }
+  // What is scaled into the range of doubles has its gap in metres, too.
+  double const huge = 1e60;
+  ZuCylinder const tower(ZuLineSegment(ZuVector(), ZuVector(0.0, 0.0, 3.0 * huge)), huge);
+  EXPECT_NEAR(ask(engine, tower, tower, Pose(), Pose()).distance / huge, -2.0, 1e-6);
+  EXPECT_NEAR(std::log10(engine.depthGap() / huge), -6.0, 2.0);
 }
 
 TEST(RobustGjk, BallsAreFromMeshesWhatTheirCentresAreLessTheRadius) {
